@@ -1,0 +1,39 @@
+// The nine algorithms as the rest of the library names them, whatever a program does to the
+// exported names (base/identity.hpp), and their many-block routines.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/identity.hpp"
+#include "zel_cc/hash.h"
+
+extern "C" {
+extern __attribute__((visibility("hidden"))) const HASH_ALGORITHM zel_own_popsha1, zel_own_sha224,
+    zel_own_sha256, zel_own_sha384, zel_own_sha512, zel_own_pophas160, zel_own_popmd5,
+    zel_own_ripemd160, zel_own_md2;
+}
+
+namespace zel::hash {
+
+inline bool is_sha384_or_sha512(const HASH_ALGORITHM *given) noexcept {
+  return is_same(given, zel_own_sha384, sha384) || is_same(given, zel_own_sha512, sha512);
+}
+
+inline bool is_approved(const HASH_ALGORITHM *given) noexcept {
+  return is_same(given, zel_own_sha256, sha256) || is_same(given, zel_own_sha224, sha224) ||
+         is_sha384_or_sha512(given);
+}
+
+/// Bytes of one block, and of an HMAC key block.
+inline std::size_t block_len(const HASH_ALGORITHM *given) noexcept {
+  return is_sha384_or_sha512(given) ? 128 : 64;
+}
+
+/// Absorbs `count` blocks straight from `data`: the same state as `count` calls of the block slot.
+using BlocksFn = void (*)(void *state, const std::uint8_t *data, std::size_t count);
+
+/// The many-block routine behind a block slot; null for an algorithm that a caller made.
+BlocksFn blocks_for(void (*compress_block)(void *, const std::uint8_t *)) noexcept;
+
+}  // namespace zel::hash

@@ -1,0 +1,14 @@
+/**
+ * @file
+ * The interface of libzel_cc-3.2: the one header that programs include.
+ */
+#ifndef ZEL_CC_H
+#define ZEL_CC_H
+
+#include "zel_cc/base.h"
+#include "zel_cc/errors.h"
+#include "zel_cc/hash.h"
+#include "zel_cc/hmac.h"
+#include "zel_cc/state.h"
+
+#endif
