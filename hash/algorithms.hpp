@@ -33,7 +33,9 @@ inline std::size_t block_len(const HASH_ALGORITHM *given) noexcept {
 /// Absorbs `count` blocks straight from `data`: the same state as `count` calls of the block slot.
 using BlocksFn = void (*)(void *state, const std::uint8_t *data, std::size_t count);
 
-/// The many-block routine behind a block slot; null for an algorithm that a caller made.
-BlocksFn blocks_for(void (*compress_block)(void *, const std::uint8_t *)) noexcept;
+/// The many-block routine behind a block slot, if its blocks have `block_len` bytes; else null: the
+/// slot is a caller's own, or the algorithm is driven with blocks that are not its own.
+BlocksFn blocks_for(void (*compress_block)(void *, const std::uint8_t *),
+                    std::size_t block_len) noexcept;
 
 }  // namespace zel::hash

@@ -17,6 +17,12 @@ struct Shape {
   static constexpr std::size_t kBlock = 16 * sizeof(Word);
   static constexpr std::size_t kLengthField = 2 * sizeof(Word);
   static constexpr std::size_t kPaddedTo = kBlock - kLengthField;
+
+  /// What a finalisation works on, in place of the caller's context.
+  struct Last {
+    Word state[16];
+    std::uint8_t buffer[128];
+  };
 };
 
 bool buffers_itself(const HASH_ALGORITHM &algorithm) noexcept {
@@ -48,7 +54,7 @@ const std::uint8_t *absorb_blocks(Area &area, const HASH_ALGORITHM &algorithm,
   const std::size_t count = len / kBlock;
   if (count == 0) return data;
   const std::uint8_t *const last = data + (count - 1) * kBlock;
-  if (const auto blocks = hash::blocks_for(algorithm.CompressBlock); blocks != nullptr) {
+  if (const auto blocks = hash::blocks_for(algorithm.CompressBlock, kBlock); blocks != nullptr) {
     blocks(area.state, data, count);
     std::memcpy(area.buffer, last, kBlock);
     return last + kBlock;
@@ -87,27 +93,31 @@ void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Area &gi
   using Word = typename Shape<Area>::Word;
   constexpr std::size_t kBlock = Shape<Area>::kBlock;
   constexpr std::size_t kPaddedTo = Shape<Area>::kPaddedTo;
-  Wiped<Area> area(given);
+  Wiped<typename Shape<Area>::Last> last;
+  std::memcpy(last->state, given.state, sizeof last->state);
+  std::memcpy(last->buffer, given.buffer, sizeof last->buffer);
 
-  std::size_t pos = area->count_low % kBlock;
-  area->buffer[pos++] = 0x80;
+  std::size_t pos = given.count_low % kBlock;
+  last->buffer[pos++] = 0x80;
   if (pos > kPaddedTo) {
-    std::memset(area->buffer + pos, 0, kBlock - pos);
-    algorithm.CompressBlock(area->state, area->buffer);
+    std::memset(last->buffer + pos, 0, kBlock - pos);
+    algorithm.CompressBlock(last->state, last->buffer);
     pos = 0;
   }
-  std::memset(area->buffer + pos, 0, kPaddedTo - pos);
+  std::memset(last->buffer + pos, 0, kPaddedTo - pos);
 
   // Deliberate: 29 is the shift for 32-bit counters and is used for 64-bit ones too, where 61 would
   // be the standard's. SHA-384 and SHA-512 of 512 MiB and more so have digests of their own, which
   // existing users of the library depend on.
   constexpr int kCarryShift = 29;
-  const Word bit_count[2] = {
-      static_cast<Word>(area->count_low << 3),
-      static_cast<Word>((area->count_high << 3) | (area->count_low >> kCarryShift))};
-  algorithm.PadLength(area->buffer, bit_count);
-  algorithm.CompressBlock(area->state, area->buffer);
-  algorithm.DumpDigest(out, area->state);
+  // Two words of zero follow, for a caller's copy of sha384 or sha512: it is driven with blocks of
+  // 64 bytes like every other algorithm that is not ours, and its PadLength reads wider words.
+  const Word bit_count[4] = {
+      static_cast<Word>(given.count_low << 3),
+      static_cast<Word>((given.count_high << 3) | (given.count_low >> kCarryShift))};
+  algorithm.PadLength(last->buffer, bit_count);
+  algorithm.CompressBlock(last->state, last->buffer);
+  algorithm.DumpDigest(out, last->state);
 }
 
 }  // namespace
