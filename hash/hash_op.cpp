@@ -5,7 +5,7 @@
 
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
-#include "hash/algorithms.hpp"
+#include "hash/direct.hpp"
 
 namespace zel {
 namespace {
@@ -35,13 +35,6 @@ void initialize(Area &area, const HASH_ALGORITHM &algorithm) noexcept {
   std::memset(area.buffer, 0, 128);
   area.count_low = 0;
   area.count_high = 0;
-}
-
-void initialize(HASH_CONTEXT *context, const HASH_ALGORITHM *descriptor) noexcept {
-  context->descriptor = descriptor;
-  if (buffers_itself(*descriptor)) return descriptor->Initialize(context);
-  if (hash::is_sha384_or_sha512(descriptor)) return initialize(context->area64, *descriptor);
-  initialize(context->area32, *descriptor);
 }
 
 /// Absorbs the whole blocks of [data, data + len) and returns where the rest begins. Afterwards the
@@ -121,6 +114,37 @@ void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Area &gi
 }
 
 }  // namespace
+
+void hash::start(HASH_CONTEXT &context, const HASH_ALGORITHM &algorithm) noexcept {
+  context.descriptor = &algorithm;
+  if (buffers_itself(algorithm)) return algorithm.Initialize(&context);
+  if (is_sha384_or_sha512(&algorithm)) return initialize(context.area64, algorithm);
+  initialize(context.area32, algorithm);
+}
+
+void hash::absorb(HASH_CONTEXT &context, const std::uint8_t *data, std::uint32_t len) noexcept {
+  if (len == 0) return;
+  const HASH_ALGORITHM &algorithm = *context.descriptor;
+  if (buffers_itself(algorithm)) return algorithm.Update(&context, data, len);
+  if (is_sha384_or_sha512(&algorithm)) return update(context.area64, algorithm, data, len);
+  update(context.area32, algorithm, data, len);
+}
+
+std::uint32_t hash::finish(std::uint8_t *out, const HASH_CONTEXT &context) noexcept {
+  const HASH_ALGORITHM &algorithm = *context.descriptor;
+  if (buffers_itself(algorithm)) {
+    constexpr std::uint32_t kMd2DigestLen = 16;
+    algorithm.DumpDigest(out, &context);
+    return kMd2DigestLen;
+  }
+  if (is_sha384_or_sha512(&algorithm)) {
+    finalize(out, algorithm, context.area64);
+  } else {
+    finalize(out, algorithm, context.area32);
+  }
+  return algorithm.digest_len;
+}
+
 }  // namespace zel
 
 using namespace zel;
@@ -128,22 +152,18 @@ using namespace zel;
 int32_t HASH_InitializeEx(HASH_CONTEXT *context, const HASH_ALGORITHM *descriptor) {
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (gate::approved_only() && !hash::is_approved(descriptor)) return ZEL_ERR_APPROVED;
-  initialize(context, descriptor);
+  hash::start(*context, *descriptor);
   return ZEL_OK;
 }
 
 int32_t HASH_Initialize(HASH_CONTEXT *context, const HASH_ALGORITHM *descriptor) {
   if (!gate::serving()) return gate::state();
-  initialize(context, descriptor);
+  hash::start(*context, *descriptor);
   return ZEL_OK;
 }
 
 void HASH_Update_KZEL(HASH_CONTEXT *context, const uint8_t *data, uint32_t len) {
-  if (!gate::serving() || len == 0) return;
-  const HASH_ALGORITHM &algorithm = *context->descriptor;
-  if (buffers_itself(algorithm)) return algorithm.Update(context, data, len);
-  if (hash::is_sha384_or_sha512(&algorithm)) return update(context->area64, algorithm, data, len);
-  update(context->area32, algorithm, data, len);
+  if (gate::serving()) hash::absorb(*context, data, len);
 }
 
 void HASH_Update(HASH_CONTEXT *context, const uint8_t *data, uint32_t len) {
@@ -157,17 +177,5 @@ void HASH_Update_clone(HASH_CONTEXT *context, const uint8_t *data, uint32_t len)
 void HASH_Finalize(uint8_t *out, uint32_t *out_len, const HASH_CONTEXT *context) {
   *out_len = 0;
   if (!gate::serving()) return;
-  const HASH_ALGORITHM &algorithm = *context->descriptor;
-  if (buffers_itself(algorithm)) {
-    constexpr uint32_t kMd2DigestLen = 16;
-    algorithm.DumpDigest(out, context);
-    *out_len = kMd2DigestLen;
-    return;
-  }
-  if (hash::is_sha384_or_sha512(&algorithm)) {
-    finalize(out, algorithm, context->area64);
-  } else {
-    finalize(out, algorithm, context->area32);
-  }
-  *out_len = algorithm.digest_len;
+  *out_len = hash::finish(out, *context);
 }
