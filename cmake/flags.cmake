@@ -12,6 +12,9 @@ endif()
 if(ZEL_CC_SANITIZE)
   add_compile_options(-fsanitize=${ZEL_CC_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-maybe-uninitialized)  # false alarms in instrumented code
+  endif()
   add_link_options(-fsanitize=${ZEL_CC_SANITIZE})
 endif()
 if(ZEL_CC_COVERAGE)
@@ -35,7 +38,7 @@ endfunction()
 # too and break programs that hold the copy of a descriptor.
 function(zel_link_flags target)
   set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-  target_link_options(${target} PRIVATE -Wl,-soname,libzel_cc-3.2.so -Wl,-Bsymbolic-functions
+  target_link_options(${target} PRIVATE -Wl,-soname,libzel_cc-${PROJECT_VERSION}.so -Wl,-Bsymbolic-functions
                       -Wl,-z,relro,-z,now -Wl,--version-script=${map})
   if(NOT ZEL_CC_SANITIZE)
     target_link_options(${target} PRIVATE -Wl,-z,defs)

@@ -1,17 +1,37 @@
 # cmake --install: libraries, headers, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
+set(zel_cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zel_cc)
+set(zel_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
 install(TARGETS zel_cc_shared zel_cc_static EXPORT zel_cc
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/zel_cc.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/zel_cc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(EXPORT zel_cc NAMESPACE zel_cc:: FILE zel_cc-targets.cmake
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zel_cc)
+
+install(EXPORT zel_cc NAMESPACE zel_cc:: FILE zel_cc-targets.cmake DESTINATION ${zel_cmake_dir})
 configure_package_config_file(cmake/zel_cc-config.cmake.in zel_cc-config.cmake
-                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zel_cc)
+                              INSTALL_DESTINATION ${zel_cmake_dir})
 write_basic_package_version_file(zel_cc-config-version.cmake COMPATIBILITY SameMinorVersion)
-configure_file(cmake/zel_cc.pc.in zel_cc.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zel_cc-config.cmake
-              ${PROJECT_BINARY_DIR}/zel_cc-config-version.cmake
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zel_cc)
-install(FILES ${PROJECT_BINARY_DIR}/zel_cc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+              ${PROJECT_BINARY_DIR}/zel_cc-config-version.cmake DESTINATION ${zel_cmake_dir})
+
+# The .pc file finds the prefix from its own place, so that an installed tree can be moved.
+cmake_path(IS_ABSOLUTE CMAKE_INSTALL_LIBDIR libdir_is_absolute)
+if(libdir_is_absolute)
+  set(zel_pc_prefix ${CMAKE_INSTALL_PREFIX})
+  set(zel_pc_libdir ${CMAKE_INSTALL_LIBDIR})
+else()
+  file(RELATIVE_PATH up /${zel_pkgconfig_dir} /)
+  string(REGEX REPLACE "/$" "" up ${up})
+  set(zel_pc_prefix "\${pcfiledir}/${up}")
+  set(zel_pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+endif()
+cmake_path(IS_ABSOLUTE CMAKE_INSTALL_INCLUDEDIR includedir_is_absolute)
+if(includedir_is_absolute)
+  set(zel_pc_includedir ${CMAKE_INSTALL_INCLUDEDIR})
+else()
+  set(zel_pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
+configure_file(cmake/zel_cc.pc.in zel_cc.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zel_cc.pc DESTINATION ${zel_pkgconfig_dir})
