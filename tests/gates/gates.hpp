@@ -1,0 +1,124 @@
+// The table of gates: what every exported function does in every module state.
+//
+// Each room has a file here with one line a function:
+//
+//   const Rows<Arena> kRows{
+//       {"HASH_InitializeEx", code(), [](Arena &a) { return HASH_InitializeEx(&a.hash, &sha256);
+//       }},
+//
+// `Arena` is a plain record of everything that the calls touch, set up by its constructor while the
+// module serves. A refused call must leave every byte of it as it was. Objects elsewhere (a key on
+// the heap) are watched too when the arena has `Bytes watched() const`.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "zel_cc.h"
+
+namespace zel::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The module states of the table.
+inline constexpr std::array<std::int32_t, 8> kStates{-98, -1, 0, 1, 2, 3, 4, 5};
+
+/// What a call is to do in one state.
+struct Expected {
+  enum class Kind {
+    kServes,   ///< anything but a refusal; a function without a result changes something
+    kRefuses,  ///< gives `value` (null and void count as 0) and touches nothing
+    kGives,    ///< gives `value`, whatever it touches
+  };
+  Kind kind = Kind::kServes;
+  std::int64_t value = 0;
+};
+using Answers = std::array<Expected, kStates.size()>;
+
+// The kinds of gate, each for all states.
+
+/// Refused where the module does not serve by a value, by nullptr or by doing nothing (0).
+Answers refusing(std::int64_t value);
+inline Answers code() { return refusing(ZEL_ERR_STATE); }
+inline Answers inert() { return refusing(0); }
+Answers null_object();
+/// Refused by the module state itself.
+Answers state_value();
+/// The same in state 4, with the refusal of a non-approved algorithm there.
+Answers not_approved(Answers answers, std::int64_t value = ZEL_ERR_APPROVED);
+/// Runs in every state.
+Answers ungated();
+/// One result a state, in the order of kStates.
+Answers gives(const std::array<std::int64_t, kStates.size()> &values);
+
+/// A call on fresh data: its result, whether it has one, and whether it touched anything.
+struct Outcome {
+  std::int64_t result = 0;
+  bool is_void = false;
+  bool touched = false;
+};
+
+struct Gate {
+  std::string name;
+  Answers answers;
+  /// Sets the data up, calls `enter`, then the function.
+  std::function<Outcome(const std::function<void()> &enter)> call;
+};
+
+/// Every row of every room.
+std::vector<Gate> &all_gates();
+
+template <class Arena>
+Bytes bytes_of(const Arena &arena) {
+  Bytes bytes(sizeof(Arena));
+  std::memcpy(bytes.data(), &arena, sizeof(Arena));
+  if constexpr (requires { arena.watched(); }) {
+    const Bytes elsewhere = arena.watched();
+    bytes.insert(bytes.end(), elsewhere.begin(), elsewhere.end());
+  }
+  return bytes;
+}
+
+template <class Arena>
+struct Row {
+  template <class Call>
+  Row(const char *name, const Answers &answers, Call call)
+      : gate{name, answers, [call](const std::function<void()> &enter) {
+               const auto arena = std::make_unique<Arena>();
+               const Bytes before = bytes_of(*arena);
+               enter();
+               Outcome outcome;
+               using Result = decltype(call(*arena));
+               if constexpr (std::is_void_v<Result>) {
+                 call(*arena);
+                 outcome.is_void = true;
+               } else if constexpr (std::is_pointer_v<Result>) {
+                 outcome.result = call(*arena) != nullptr;
+               } else {
+                 outcome.result = static_cast<std::int64_t>(call(*arena));
+               }
+               outcome.touched = bytes_of(*arena) != before;
+               return outcome;
+             }} {
+    static_assert(std::is_trivially_copyable_v<Arena>);
+  }
+  Gate gate;
+};
+
+/// Adds the rows of one room to the table.
+template <class Arena>
+struct Rows {
+  Rows(std::initializer_list<Row<Arena>> rows) {
+    for (const Row<Arena> &row : rows)
+      all_gates().push_back(row.gate);
+  }
+};
+
+}  // namespace zel::test
