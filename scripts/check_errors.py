@@ -7,6 +7,8 @@ usage: check_errors.py include/zel_cc/errors.h
 import re
 import sys
 
+from findings import report
+
 
 def sentence(text):
     """A docstring as zel_error_text prints it: no full stop, no capital unless it is a name."""
@@ -42,10 +44,7 @@ def main():
             problems.append(f'{name}: the text should be "{expected}"')
     problems += [f"{name} has a text but is no code" for name in texts]
 
-    for problem in problems:
-        print(f"check_errors: {problem}")
-    print(f"check_errors: {len(seen)} codes, {len(problems)} problems")
-    return 1 if problems else 0
+    return report("check_errors", f"{len(seen)} codes", problems)
 
 
 if __name__ == "__main__":

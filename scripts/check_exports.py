@@ -12,6 +12,8 @@ import re
 import subprocess
 import sys
 
+from findings import report
+
 # What the C compiler's own start-up objects put into every shared library.
 RUNTIME_HOOKS = {".init_array": {"frame_dummy"}, ".fini_array": {"__do_global_dtors_aux"}}
 
@@ -145,10 +147,7 @@ def main():
         if re.search(rf"UND {name}(@|$)", everything, re.M):
             problems.append(f"uses {name}")
 
-    for problem in problems:
-        print(f"check_exports: {problem}")
-    print(f"check_exports: {len(symbols)} names, {len(problems)} problems")
-    return 1 if problems else 0
+    return report("check_exports", f"{len(symbols)} names", problems)
 
 
 if __name__ == "__main__":

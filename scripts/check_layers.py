@@ -8,6 +8,8 @@ import pathlib
 import re
 import sys
 
+from findings import report
+
 ROOMS = ("core", "hash", "cipher", "mint", "rng", "pk", "keyshare")
 ISAS = ("shani", "aesni", "avx2", "bmi2", "adx", "vaes", "pclmul", "ssse3")
 INTRINSICS = {"immintrin.h", "cpuid.h", "x86intrin.h"}
@@ -74,10 +76,9 @@ def main():
             tables = path.stem.endswith("_tables") or path.stem == "small_primes"
             if not tables and text.count("\n") > MAX_LINES:
                 problems.append(f"{where}: {text.count(chr(10))} lines, at most {MAX_LINES}")
-    for problem in problems:
-        print(f"check_layers: {problem}")
-    print(f"check_layers: {includes} includes in {files} files, {len(problems)} problems")
-    return 1 if problems or not includes else 0
+    if not includes:
+        problems.append("found no source")
+    return report("check_layers", f"{includes} includes in {files} files", problems)
 
 
 if __name__ == "__main__":
