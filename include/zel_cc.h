@@ -9,6 +9,8 @@
 #include "zel_cc/errors.h"
 #include "zel_cc/hash.h"
 #include "zel_cc/hmac.h"
+#include "zel_cc/rng.h"
+#include "zel_cc/selftest.h"
 #include "zel_cc/state.h"
 
 #endif

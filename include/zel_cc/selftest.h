@@ -1,0 +1,50 @@
+/**
+ * @file
+ * Self-tests that an application may run, and those that the library runs on its own output.
+ *
+ * A self-test works in the self-test state (2) and returns to the state that it came from; a
+ * failure leaves the module in its error state (-98).
+ */
+#ifndef ZEL_CC_SELFTEST_H
+#define ZEL_CC_SELFTEST_H
+
+#include "zel_cc/base.h"
+#include "zel_cc/errors.h"
+
+ZEL_BEGIN_DECLS
+
+/**
+ * Repeated-output test of Hash_DRBG: two successive outputs must differ.
+ *
+ * From state 3 or 4 the test passes through the self-test state. Called in the self-test state, a
+ * test that passes ends it: the module is then in the state saved by whoever entered it. State 1
+ * stays.
+ *
+ * @param[in] previous  [len] bytes; may be null when `len` is 0
+ * @param[in] next      [len] bytes; may be null when `len` is 0
+ * @param[in] len       bytes; nothing is compared when it is 0
+ * @retval ZEL_OK           the outputs differ, or `len` is 0
+ * @retval ZEL_ERR_GENERIC  the outputs are equal: the module is now in its error state; or a null
+ *                          argument or negative length: nothing touched
+ * @retval ZEL_ERR_STATE    module not serving; nothing touched
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_HASHDRBG(const uint8_t *previous, const uint8_t *next,
+                                              int32_t len);
+
+/**
+ * Repeated-output test of HMAC_DRBG; otherwise as `CONDITIONAL_SELFTEST_HASHDRBG`.
+ *
+ * @param[in] previous  [len] bytes; may be null when `len` is 0
+ * @param[in] next      [len] bytes; may be null when `len` is 0
+ * @param[in] len       bytes; nothing is compared when it is 0
+ * @retval ZEL_OK           the outputs differ, or `len` is 0
+ * @retval ZEL_ERR_GENERIC  the outputs are equal: the module is now in its error state; or a null
+ *                          argument or negative length: nothing touched
+ * @retval ZEL_ERR_STATE    module not serving; nothing touched
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_HMACDRBG(const uint8_t *previous, const uint8_t *next,
+                                              int32_t len);
+
+ZEL_END_DECLS
+
+#endif
