@@ -65,9 +65,10 @@ void advance(HASHDRBG_CONTEXT &context, const Variant &variant) noexcept {
   using Number = drbg::SeedNumber<Word>;
   constexpr std::uint8_t kTag = 0x03;
   constexpr std::size_t kLen = 1 + Number::kLen;
+  constexpr std::size_t kBlock = 16 * sizeof(Word);
   struct Message {
     std::array<Word, 8> state;
-    std::uint8_t blocks[2 * 16 * sizeof(Word)];
+    std::uint8_t blocks[2 * kBlock];
     std::uint8_t digest[8 * sizeof(Word)];
   };
   Wiped<Message> message(Message{});
@@ -76,7 +77,8 @@ void advance(HASHDRBG_CONTEXT &context, const Variant &variant) noexcept {
   message->blocks[kLen] = 0x80;
   store_be<Word>(message->blocks + sizeof message->blocks - sizeof(Word), 8 * kLen);
   variant.algorithm->Initialize(&message->state);
-  drbg::absorb_blocks(message->state, message->blocks, 2);
+  variant.algorithm->CompressBlock(&message->state, message->blocks);
+  variant.algorithm->CompressBlock(&message->state, message->blocks + kBlock);
   variant.algorithm->DumpDigest(message->digest, &message->state);
   add_to<Word>(context.V, Number(message->digest, variant.digest_len(), 0),
                Number(context.C, Number::kLen, 0), Number(context.reseed_counter));
