@@ -34,8 +34,8 @@ def why_not(path, room, header, quoted):
             return "" if re.fullmatch(r"zel_cc/\w+\.h", header) else "own parts only"
         return "" if header in ("stddef.h", "stdint.h", "stdio.h") else "C headers of the list only"
     if room == "tools":
-        outside = quoted and re.match(r"(base|tests|bench|" + "|".join(ROOMS) + ")/", header)
-        return "the tool knows the public header alone" if outside else ""
+        inside = quoted and re.match(r"(tests|bench|" + "|".join(ROOMS) + ")/", header)
+        return "the tool knows the public headers and base/ alone" if inside else ""
     if not quoted:
         if header.startswith("zel_cc"):
             return "public headers are included with quotes"

@@ -8,6 +8,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/**
+ * @def ZEL_BEGIN_DECLS
+ * Opens declarations of C functions, for C++ too.
+ *
+ * @def ZEL_END_DECLS
+ * Closes what #ZEL_BEGIN_DECLS opened.
+ *
+ * @def ZEL_STATIC_ASSERT
+ * Fails the compilation with `text` unless `condition` holds.
+ */
 #ifdef __cplusplus
 #define ZEL_BEGIN_DECLS extern "C" {
 #define ZEL_END_DECLS }

@@ -1,0 +1,47 @@
+// Processor features: asked on first use, masked for tests alone.
+#include "base/cpu.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "tests/support/features.hpp"
+#include "zel_cc.h"
+
+namespace zel::test {
+namespace {
+
+// CTest runs each test in a process of its own, so this one sees the state after loading.
+TEST(Cpu, IsAskedOnFirstUseAndOnce) {
+  EXPECT_EQ(cpu::g_features.load(), 0U) << "asked while the program was loaded";
+  cpu::has(cpu::Feature::kAvx2);
+  const std::uint32_t answer = cpu::g_features.load();
+  EXPECT_NE(answer & cpu::kAsked, 0U);
+  cpu::g_features.store(cpu::kAsked);
+  EXPECT_FALSE(cpu::has(cpu::Feature::kAvx2)) << "the remembered answer was not used";
+}
+
+TEST(Cpu, AgreesWithTheCompilersOwnQuestion) {
+  __builtin_cpu_init();
+  EXPECT_EQ(cpu::has(cpu::Feature::kAvx2), __builtin_cpu_supports("avx2") != 0);
+  EXPECT_EQ(cpu::has(cpu::Feature::kBmi2),
+            __builtin_cpu_supports("bmi") != 0 && __builtin_cpu_supports("bmi2") != 0);
+  EXPECT_EQ(cpu::has(cpu::Feature::kAesni),
+            __builtin_cpu_supports("aes") != 0 && __builtin_cpu_supports("pclmul") != 0);
+}
+
+TEST(Cpu, MasksTakeSingleFeaturesAwayAndGiveThemBack) {
+  const std::uint32_t real = cpu::ask();
+  for (const FeatureSet &set : feature_sets()) {
+    SCOPED_TRACE(set.name);
+    const FeatureMask mask(set.mask);
+    for (std::uint32_t bit = 1; bit <= static_cast<std::uint32_t>(cpu::Feature::kVaes); bit <<= 1)
+      EXPECT_EQ(cpu::has(static_cast<cpu::Feature>(bit)), (real & set.mask & bit) != 0);
+  }
+  EXPECT_EQ(cpu::g_features.load(), real);
+  const FeatureMask everything(~0U);
+  EXPECT_EQ(cpu::g_features.load(), real) << "a mask cannot add a feature";
+}
+
+}  // namespace
+}  // namespace zel::test
