@@ -13,6 +13,7 @@
 #include "zel_cc/hmacdrbg.h"
 #include "zel_cc/rng.h"
 #include "zel_cc/selftest.h"
+#include "zel_cc/mint.h"
 #include "zel_cc/state.h"
 
 #endif
