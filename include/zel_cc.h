@@ -14,6 +14,8 @@
 #include "zel_cc/rng.h"
 #include "zel_cc/selftest.h"
 #include "zel_cc/mint.h"
+#include "zel_cc/mint_arith.h"
+#include "zel_cc/mint_mont.h"
 #include "zel_cc/state.h"
 
 #endif

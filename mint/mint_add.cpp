@@ -1,55 +1,52 @@
 // Addition and subtraction of big integers.
-#include <immintrin.h>
-
 #include "base/bytes.hpp"
 #include "mint/record.hpp"
 
 namespace zel {
 namespace {
 
-using Wide = unsigned long long;
+using limbs::DoubleLimb;
+using limbs::Limb;
 
+/// One step of an addition: the sum, and the carry in its place above.
 struct Add {
-  static unsigned char words(unsigned char carry, Wide a, Wide b, Wide *r) noexcept {
-    return _addcarry_u64(carry, a, b, r);
-  }
-  static unsigned char word(unsigned char carry, std::uint32_t a, std::uint32_t b,
-                            std::uint32_t *r) noexcept {
-    return _addcarry_u32(carry, a, b, r);
+  template <class Wide>
+  static Wide step(Wide a, Wide b, Wide carry) noexcept {
+    return a + b + carry;
   }
 };
 
+/// One step of a subtraction: the difference, and the borrow above as ones.
 struct Subtract {
-  static unsigned char words(unsigned char borrow, Wide a, Wide b, Wide *r) noexcept {
-    return _subborrow_u64(borrow, a, b, r);
-  }
-  static unsigned char word(unsigned char borrow, std::uint32_t a, std::uint32_t b,
-                            std::uint32_t *r) noexcept {
-    return _subborrow_u32(borrow, a, b, r);
+  template <class Wide>
+  static Wide step(Wide a, Wide b, Wide borrow) noexcept {
+    return a - b - borrow;
   }
 };
 
 /// r = a op b over the words of a, which is not the shorter; the carry or borrow out. r may be a or
 /// b. Two words at a time while there are two.
 template <class Op>
-unsigned char ripple(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t *a,
+std::uint32_t ripple(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t *a,
                      std::uint32_t b_len, const std::uint32_t *b) noexcept {
-  unsigned char carry = 0;
+  std::uint32_t carry = 0;
   std::uint32_t i = 0;
   for (; b_len - i >= 2; i += 2) {
-    Wide x = 0;
-    Wide y = 0;
+    Limb x = 0;
+    Limb y = 0;
     std::memcpy(&x, a + i, sizeof x);
     std::memcpy(&y, b + i, sizeof y);
-    carry = Op::words(carry, x, y, &x);
+    const DoubleLimb result = Op::template step<DoubleLimb>(x, y, carry);
+    x = static_cast<Limb>(result);
+    carry = static_cast<std::uint32_t>(result >> limbs::kLimbBits) & 1;
     std::memcpy(r + i, &x, sizeof x);
   }
-  if (i < b_len) {
-    carry = Op::word(carry, a[i], b[i], &r[i]);
-    ++i;
+  for (; i < b_len || (i < a_len && carry != 0); ++i) {
+    const std::uint64_t result =
+        Op::template step<std::uint64_t>(a[i], i < b_len ? b[i] : 0, carry);
+    r[i] = static_cast<std::uint32_t>(result);
+    carry = static_cast<std::uint32_t>(result >> 32) & 1;
   }
-  for (; i < a_len && carry != 0; ++i)
-    carry = Op::word(carry, a[i], 0, &r[i]);
   if (i < a_len && r != a) std::memmove(r + i, a + i, (a_len - i) * sizeof *r);
   return carry;
 }
@@ -69,7 +66,7 @@ void add_into(MINT &r, std::uint32_t a_len, const std::uint32_t *a, std::uint32_
     std::swap(a_len, b_len);
     std::swap(a, b);
   }
-  const unsigned char carry = ripple<Add>(r.words, a_len, a, b_len, b);
+  const std::uint32_t carry = ripple<Add>(r.words, a_len, a, b_len, b);
   r.length = a_len;
   if (carry != 0 && a_len < mint::kWords) r.words[r.length++] = 1;
 }
@@ -123,7 +120,7 @@ void MINT_Add_Core(uint32_t *r_len, uint32_t *r, uint32_t a_len, const uint32_t 
     std::swap(a_len, b_len);
     std::swap(a, b);
   }
-  const unsigned char carry = ripple<Add>(r, a_len, a, b_len, b);
+  const std::uint32_t carry = ripple<Add>(r, a_len, a, b_len, b);
   if (carry != 0) r[a_len++] = 1;
   *r_len = a_len;
 }

@@ -9,6 +9,8 @@
 #include "base/wipe.hpp"
 #include "mint/limbs.hpp"
 #include "zel_cc/mint.h"
+#include "zel_cc/mint_arith.h"
+#include "zel_cc/mint_mont.h"
 
 namespace zel::mint {
 

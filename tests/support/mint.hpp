@@ -10,6 +10,7 @@
 #include <random>
 
 #include "zel_cc/mint.h"
+#include "zel_cc/mint_arith.h"
 
 namespace zel::test {
 
