@@ -1,7 +1,9 @@
 // SHA-1: blocks of 64 bytes, five words, 80 rounds. FIPS 180-4, section 6.1.
+#include "base/cpu.hpp"
 #include "base/wipe.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
+#include "hash/isa_blocks.hpp"
 #include "hash/roots.hpp"
 #include "hash/slots.hpp"
 #include "hash/words.hpp"
@@ -55,6 +57,7 @@ void blocks_portable(void *state, const std::uint8_t *data, std::size_t count) n
 }  // namespace
 
 void hash::sha1_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept {
+  if (cpu::has(cpu::Feature::kSha)) return sha1_blocks_shani(state, data, count);
   blocks_portable(state, data, count);
 }
 

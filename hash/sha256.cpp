@@ -1,12 +1,15 @@
 // SHA-256 and SHA-224: blocks of 64 bytes, eight words of 32 bits. FIPS 180-4, sections 6.2, 6.3.
+#include "base/cpu.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
+#include "hash/isa_blocks.hpp"
 #include "hash/sha2.hpp"
 #include "hash/slots.hpp"
 
 namespace zel {
 
 void hash::sha256_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept {
+  if (cpu::has(cpu::Feature::kSha)) return sha256_blocks_shani(state, data, count);
   sha2_blocks<std::uint32_t>(state, data, count);
 }
 
