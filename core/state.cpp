@@ -9,6 +9,9 @@
 #include "core/gate.hpp"
 
 namespace zel {
+
+using gate::g_zel_state;
+
 namespace {
 
 /// The state and the state that a running self-test returns to. They share one atomic word so that
@@ -20,8 +23,9 @@ struct Value {
 };
 
 using Word = std::uint64_t;
-constinit std::atomic<Word> g_zel_state{std::bit_cast<Word>(Value{ZEL_STATE_NOT_VERIFIED, 0})};
 static_assert(std::atomic<Word>::is_always_lock_free);
+constexpr Word kAtStart = std::bit_cast<Word>(Value{ZEL_STATE_NOT_VERIFIED, 0});
+static_assert(static_cast<std::int32_t>(kAtStart) == ZEL_STATE_NOT_VERIFIED);
 
 Value read() noexcept { return std::bit_cast<Value>(g_zel_state.load(std::memory_order_acquire)); }
 
@@ -56,7 +60,7 @@ std::int32_t switch_service(std::int32_t from, std::int32_t to) noexcept {
 
 }  // namespace
 
-std::int32_t gate::state() noexcept { return read().state; }
+constinit std::atomic<std::uint64_t> gate::g_zel_state{kAtStart};
 
 }  // namespace zel
 
