@@ -6,12 +6,26 @@
 #include <cstring>
 #include <type_traits>
 
+#include "base/bytes.hpp"
+
 namespace zel {
 
 /// Zeroes memory in a way that the compiler cannot drop.
 inline void wipe(void *from, std::size_t len) noexcept {
   std::memset(from, 0, len);
   __asm__ volatile("" : : "r"(from) : "memory");
+}
+
+/// The same for an object; small ones without a call.
+template <class T>
+inline void wipe_object(T &object) noexcept {
+  constexpr std::size_t kSmall = 512;
+  if constexpr (sizeof(T) <= kSmall) {
+    zero<sizeof(T)>(&object);
+    __asm__ volatile("" : : "r"(&object) : "memory");
+  } else {
+    wipe(&object, sizeof(T));
+  }
 }
 
 /// An object on the stack that is zeroed when its scope ends. Not initialised unless `{}` is asked.
@@ -23,7 +37,7 @@ class Wiped {
   explicit Wiped(const T &value) noexcept : value_(value) {}
   Wiped(const Wiped &) = delete;
   Wiped &operator=(const Wiped &) = delete;
-  ~Wiped() { wipe(&value_, sizeof value_); }
+  ~Wiped() { wipe_object(value_); }
 
   T &operator*() noexcept { return value_; }
   const T &operator*() const noexcept { return value_; }

@@ -1,5 +1,5 @@
 // The nine algorithms as the rest of the library names them, whatever a program does to the
-// exported names (base/identity.hpp), and their many-block routines.
+// exported names (base/identity.hpp).
 #pragma once
 
 #include <cstddef>
@@ -29,13 +29,5 @@ inline bool is_approved(const HASH_ALGORITHM *given) noexcept {
 inline std::size_t block_len(const HASH_ALGORITHM *given) noexcept {
   return is_sha384_or_sha512(given) ? 128 : 64;
 }
-
-/// Absorbs `count` blocks straight from `data`: the same state as `count` calls of the block slot.
-using BlocksFn = void (*)(void *state, const std::uint8_t *data, std::size_t count);
-
-/// The many-block routine behind a block slot, if its blocks have `block_len` bytes; else null: the
-/// slot is a caller's own, or the algorithm is driven with blocks that are not its own.
-BlocksFn blocks_for(void (*compress_block)(void *, const std::uint8_t *),
-                    std::size_t block_len) noexcept;
 
 }  // namespace zel::hash

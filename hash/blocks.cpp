@@ -1,7 +1,6 @@
-// Which many-block routine stands behind a block slot.
+// Which of our algorithms stands behind the slots of a descriptor.
 #include "hash/blocks.hpp"
 
-#include "hash/algorithms.hpp"
 #include "hash/slots.hpp"
 
 namespace zel {
@@ -9,30 +8,32 @@ namespace {
 
 struct Row {
   void (*compress_block)(void *, const std::uint8_t *);
-  hash::BlocksFn blocks;
-  std::size_t block_len;
+  void (*pad_length)(std::uint8_t *, const void *);
+  hash::Engine engine;
 };
 
 // The approved algorithms are asked for most.
 constinit const Row kRows[] = {
-    {SHA256_CompressBlock, hash::sha256_blocks, 64},
-    {SHA512_CompressBlock, hash::sha512_blocks, 128},
-    {SHA384_CompressBlock, hash::sha512_blocks, 128},
-    {SHA224_CompressBlock, hash::sha256_blocks, 64},
-    {SHA1_CompressBlock, hash::sha1_blocks, 64},
-    {HAS160_CompressBlock, hash::has160_blocks, 64},
-    {MD5_CompressBlock, hash::md5_blocks, 64},
-    {RIPEMD160_CompressBlock, hash::ripemd160_blocks, 64},
+    {SHA256_CompressBlock, SHA256_PadLength, {hash::sha256_blocks, 64, hash::ByteOrder::kBig}},
+    {SHA512_CompressBlock, SHA512_PadLength, {hash::sha512_blocks, 128, hash::ByteOrder::kBig}},
+    {SHA384_CompressBlock, SHA384_PadLength, {hash::sha512_blocks, 128, hash::ByteOrder::kBig}},
+    {SHA224_CompressBlock, SHA224_PadLength, {hash::sha256_blocks, 64, hash::ByteOrder::kBig}},
+    {SHA1_CompressBlock, SHA1_PadLength, {hash::sha1_blocks, 64, hash::ByteOrder::kBig}},
+    {HAS160_CompressBlock, HAS160_PadLength, {hash::has160_blocks, 64, hash::ByteOrder::kLittle}},
+    {MD5_CompressBlock, MD5_PadLength, {hash::md5_blocks, 64, hash::ByteOrder::kLittle}},
+    {RIPEMD160_CompressBlock,
+     RIPEMD160_PadLength,
+     {hash::ripemd160_blocks, 64, hash::ByteOrder::kLittle}},
 };
 
 }  // namespace
 
-hash::BlocksFn hash::blocks_for(void (*compress_block)(void *, const std::uint8_t *),
-                                std::size_t block_len) noexcept {
+const hash::Engine *hash::engine_for(const HASH_ALGORITHM &algorithm,
+                                     std::size_t block_len) noexcept {
   for (const Row &row : kRows) {
-    if (row.compress_block == compress_block) {
-      return row.block_len == block_len ? row.blocks : nullptr;
-    }
+    if (row.compress_block != algorithm.CompressBlock) continue;
+    const bool whole = row.pad_length == algorithm.PadLength && row.engine.block_len == block_len;
+    return whole ? &row.engine : nullptr;
   }
   return nullptr;
 }

@@ -12,4 +12,8 @@ void absorb(HASH_CONTEXT &context, const std::uint8_t *data, std::uint32_t len) 
 /// Writes the digest and returns its length; the context is not changed.
 std::uint32_t finish(std::uint8_t *out, const HASH_CONTEXT &context) noexcept;
 
+/// The same as if `len` more bytes had been absorbed.
+std::uint32_t finish_with(std::uint8_t *out, const HASH_CONTEXT &context, const std::uint8_t *data,
+                          std::uint32_t len) noexcept;
+
 }  // namespace zel::hash

@@ -1,29 +1,18 @@
 // The hash framework: buffering, byte counters, padding and gates, once for both word sizes.
 // FIPS 180-4, sections 5.1 and 5.2; RFC 1321, section 3.
-#include <algorithm>
 #include <cstring>
 
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
+#include "hash/blocks.hpp"
 #include "hash/direct.hpp"
+#include "hash/padding.hpp"
 
 namespace zel {
 namespace {
 
-/// What follows from the word size of an algorithm: block, length field, shape of the area.
-template <class Area>
-struct Shape {
-  using Word = decltype(Area::count_low);
-  static constexpr std::size_t kBlock = 16 * sizeof(Word);
-  static constexpr std::size_t kLengthField = 2 * sizeof(Word);
-  static constexpr std::size_t kPaddedTo = kBlock - kLengthField;
-
-  /// What a finalisation works on, in place of the caller's context.
-  struct Last {
-    Word state[16];
-    std::uint8_t buffer[128];
-  };
-};
+using hash::End;
+using hash::Engine;
 
 bool buffers_itself(const HASH_ALGORITHM &algorithm) noexcept {
   return algorithm.PadLength == nullptr;
@@ -32,7 +21,7 @@ bool buffers_itself(const HASH_ALGORITHM &algorithm) noexcept {
 template <class Area>
 void initialize(Area &area, const HASH_ALGORITHM &algorithm) noexcept {
   algorithm.Initialize(area.state);
-  std::memset(area.buffer, 0, 128);
+  zero<128>(area.buffer);
   area.count_low = 0;
   area.count_high = 0;
 }
@@ -43,12 +32,12 @@ void initialize(Area &area, const HASH_ALGORITHM &algorithm) noexcept {
 template <class Area>
 const std::uint8_t *absorb_blocks(Area &area, const HASH_ALGORITHM &algorithm,
                                   const std::uint8_t *data, std::size_t len) noexcept {
-  constexpr std::size_t kBlock = Shape<Area>::kBlock;
+  constexpr std::size_t kBlock = hash::kBlockLen<Area>;
   const std::size_t count = len / kBlock;
   if (count == 0) return data;
   const std::uint8_t *const last = data + (count - 1) * kBlock;
-  if (const auto blocks = hash::blocks_for(algorithm.CompressBlock, kBlock); blocks != nullptr) {
-    blocks(area.state, data, count);
+  if (const Engine *const engine = hash::engine_for(algorithm, kBlock); engine != nullptr) {
+    engine->blocks(area.state, data, count);
     std::memcpy(area.buffer, last, kBlock);
     return last + kBlock;
   }
@@ -62,7 +51,7 @@ const std::uint8_t *absorb_blocks(Area &area, const HASH_ALGORITHM &algorithm,
 template <class Area>
 void update(Area &area, const HASH_ALGORITHM &algorithm, const std::uint8_t *data,
             std::uint32_t len) noexcept {
-  constexpr std::size_t kBlock = Shape<Area>::kBlock;
+  constexpr std::size_t kBlock = hash::kBlockLen<Area>;
   const std::size_t pos = area.count_low % kBlock;
   area.count_low += len;
   if (area.count_low < len) ++area.count_high;
@@ -78,19 +67,40 @@ void update(Area &area, const HASH_ALGORITHM &algorithm, const std::uint8_t *dat
     data += kBlock - pos;
   }
   data = absorb_blocks(area, algorithm, data, static_cast<std::size_t>(end - data));
-  std::memcpy(area.buffer, data, static_cast<std::size_t>(end - data));
+  if (data != end) std::memcpy(area.buffer, data, static_cast<std::size_t>(end - data));
 }
 
+/// The last blocks of one of our own algorithms, in one piece.
 template <class Area>
-void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Area &given) noexcept {
-  using Word = typename Shape<Area>::Word;
-  constexpr std::size_t kBlock = Shape<Area>::kBlock;
-  constexpr std::size_t kPaddedTo = Shape<Area>::kPaddedTo;
-  Wiped<typename Shape<Area>::Last> last;
-  std::memcpy(last->state, given.state, sizeof last->state);
-  std::memcpy(last->buffer, given.buffer, sizeof last->buffer);
+void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Engine &engine,
+              const End<Area> &end) noexcept {
+  struct Last {
+    hash::WordOf<Area> state[8];
+    std::uint8_t blocks[2 * hash::kBlockLen<Area>];
+  };
+  Wiped<Last> last;
+  std::memcpy(last->state, end.state, sizeof last->state);
+  const std::size_t count = hash::pad(last->blocks, end, engine.length_order);
+  engine.blocks(last->state, last->blocks, count);
+  algorithm.DumpDigest(out, last->state);
+}
 
-  std::size_t pos = given.count_low % kBlock;
+/// The same by way of the slots of any algorithm. The length field keeps what the buffer held until
+/// PadLength fills it.
+template <class Area>
+void finalize_by_slots(std::uint8_t *out, const HASH_ALGORITHM &algorithm,
+                       const Area &area) noexcept {
+  constexpr std::size_t kBlock = hash::kBlockLen<Area>;
+  constexpr std::size_t kPaddedTo = hash::kPaddedTo<Area>;
+  struct Last {
+    hash::WordOf<Area> state[16];
+    std::uint8_t buffer[128];
+  };
+  Wiped<Last> last;
+  std::memcpy(last->state, area.state, sizeof last->state);
+  std::memcpy(last->buffer, area.buffer, sizeof last->buffer);
+
+  std::size_t pos = area.count_low % kBlock;
   last->buffer[pos++] = 0x80;
   if (pos > kPaddedTo) {
     std::memset(last->buffer + pos, 0, kBlock - pos);
@@ -99,18 +109,47 @@ void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Area &gi
   }
   std::memset(last->buffer + pos, 0, kPaddedTo - pos);
 
-  // Deliberate: 29 is the shift for 32-bit counters and is used for 64-bit ones too, where 61 would
-  // be the standard's. SHA-384 and SHA-512 of 512 MiB and more so have digests of their own, which
-  // existing users of the library depend on.
-  constexpr int kCarryShift = 29;
   // Two words of zero follow, for a caller's copy of sha384 or sha512: it is driven with blocks of
   // 64 bytes like every other algorithm that is not ours, and its PadLength reads wider words.
-  const Word bit_count[4] = {
-      static_cast<Word>(given.count_low << 3),
-      static_cast<Word>((given.count_high << 3) | (given.count_low >> kCarryShift))};
+  const auto bits = hash::bit_count<Area>(area.count_low, area.count_high);
+  const hash::WordOf<Area> bit_count[4] = {bits.low, bits.high, 0, 0};
   algorithm.PadLength(last->buffer, bit_count);
   algorithm.CompressBlock(last->state, last->buffer);
   algorithm.DumpDigest(out, last->state);
+}
+
+template <class Area>
+std::uint32_t finish_area(std::uint8_t *out, const HASH_ALGORITHM &algorithm,
+                          const Area &area) noexcept {
+  constexpr std::size_t kBlock = hash::kBlockLen<Area>;
+  if (const Engine *const engine = hash::engine_for(algorithm, kBlock); engine != nullptr) {
+    finalize<Area>(
+        out, algorithm, *engine,
+        {area.state, area.buffer, area.count_low % kBlock, area.count_low, area.count_high});
+  } else {
+    finalize_by_slots(out, algorithm, area);
+  }
+  return algorithm.digest_len;
+}
+
+/// A digest of `area` and `len` more bytes, when these fit the block that begins: true if done.
+template <class Area>
+bool finish_area_with(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Area &area,
+                      const std::uint8_t *data, std::uint32_t len) noexcept {
+  constexpr std::size_t kBlock = hash::kBlockLen<Area>;
+  const Engine *const engine = hash::engine_for(algorithm, kBlock);
+  const auto count_low = static_cast<hash::WordOf<Area>>(area.count_low + len);
+  if (engine == nullptr || area.count_low % kBlock != 0 || len >= kBlock || count_low < len) {
+    return false;
+  }
+  struct Rest {
+    std::uint8_t bytes[kBlock];
+  };
+  Wiped<Rest> rest;
+  std::memcpy(rest->bytes, data, len);
+  finalize<Area>(out, algorithm, *engine,
+                 {area.state, rest->bytes, len, count_low, area.count_high});
+  return true;
 }
 
 }  // namespace
@@ -137,12 +176,20 @@ std::uint32_t hash::finish(std::uint8_t *out, const HASH_CONTEXT &context) noexc
     algorithm.DumpDigest(out, &context);
     return kMd2DigestLen;
   }
-  if (is_sha384_or_sha512(&algorithm)) {
-    finalize(out, algorithm, context.area64);
-  } else {
-    finalize(out, algorithm, context.area32);
-  }
-  return algorithm.digest_len;
+  if (is_sha384_or_sha512(&algorithm)) return finish_area(out, algorithm, context.area64);
+  return finish_area(out, algorithm, context.area32);
+}
+
+std::uint32_t hash::finish_with(std::uint8_t *out, const HASH_CONTEXT &context,
+                                const std::uint8_t *data, std::uint32_t len) noexcept {
+  const HASH_ALGORITHM &algorithm = *context.descriptor;
+  const bool done = is_sha384_or_sha512(&algorithm)
+                        ? finish_area_with(out, algorithm, context.area64, data, len)
+                        : finish_area_with(out, algorithm, context.area32, data, len);
+  if (done) return algorithm.digest_len;
+  Wiped<HASH_CONTEXT> copy(context);
+  absorb(*copy, data, len);
+  return finish(out, *copy);
 }
 
 }  // namespace zel

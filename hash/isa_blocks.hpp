@@ -10,5 +10,7 @@ namespace zel::hash {
 // ZEL_ISA_SHA
 void sha1_blocks_shani(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 void sha256_blocks_shani(void *state, const std::uint8_t *data, std::size_t count) noexcept;
+// ZEL_ISA_AVX2_BMI2
+void sha512_blocks_avx2(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 
 }  // namespace zel::hash

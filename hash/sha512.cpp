@@ -1,12 +1,17 @@
 // SHA-512 and SHA-384: blocks of 128 bytes, eight words of 64 bits. FIPS 180-4, sections 6.4, 6.5.
+#include "base/cpu.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
+#include "hash/isa_blocks.hpp"
 #include "hash/sha2.hpp"
 #include "hash/slots.hpp"
 
 namespace zel {
 
 void hash::sha512_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept {
+  if (cpu::has(cpu::Feature::kAvx2, cpu::Feature::kBmi2)) {
+    return sha512_blocks_avx2(state, data, count);
+  }
   sha2_blocks<std::uint64_t>(state, data, count);
 }
 
