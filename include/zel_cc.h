@@ -16,6 +16,8 @@
 #include "zel_cc/mint.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"
+#include "zel_cc/mint_rand.h"
+#include "zel_cc/prime.h"
 #include "zel_cc/state.h"
 
 #endif

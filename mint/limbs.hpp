@@ -86,7 +86,7 @@ Limb add_if(Limb *r, Limb mask, const Limb *b, std::size_t n) noexcept;
 Limb sub_if(Limb *r, Limb mask, const Limb *b, std::size_t n) noexcept;
 
 /// -1/odd modulo 2^64.
-inline Limb negated_inverse(Limb odd) noexcept {
+constexpr Limb negated_inverse(Limb odd) noexcept {
   Limb x = (odd * 3) ^ 2;  // 5 bits right, each step doubles them
   for (int step = 0; step < 4; ++step)
     x *= 2 - odd * x;
