@@ -118,8 +118,8 @@ def main():
     same(("exported", "listed in exports.map"), symbols, listed)
     same(("listed in exports.map", "declared in the headers"), listed, declared)
     for name, kind in symbols.items():
-        # The table of gates takes names with a capital for functions.
-        expected = "FUNC" if re.search("[A-Z]", name) else "OBJECT"
+        # The table of gates takes names with a capital, p_min and p_max for functions.
+        expected = "FUNC" if re.search("[A-Z]|^p_m", name) else "OBJECT"
         if kind != expected:
             problems.append(f"{name} is a {kind}, expected {expected} by its spelling")
 

@@ -114,14 +114,15 @@ std::string in_own_process(const Gate &gate, std::int32_t state, const Expected 
   return text;
 }
 
-/// The functions of the version script: the exported names that have a capital letter.
+/// The functions of the version script: the exported names with a capital letter, p_min and p_max.
 std::set<std::string> exported_functions() {
   std::ifstream file(ZEL_EXPORTS_MAP);
   std::set<std::string> names;
   for (std::string word; file >> word;) {
-    const bool capital =
+    const bool function =
+        word.starts_with("p_m") ||
         std::any_of(word.begin(), word.end(), [](unsigned char c) { return std::isupper(c) != 0; });
-    if (capital && word.ends_with(';')) names.insert(word.substr(0, word.size() - 1));
+    if (function && word.ends_with(';')) names.insert(word.substr(0, word.size() - 1));
   }
   return names;
 }
