@@ -83,6 +83,7 @@ int main(int argc, char **argv) {
 
   std::vector<std::string> flags = flags_for(options);
   std::vector<char *> pointers;
+  pointers.reserve(flags.size());
   for (std::string &flag : flags)
     pointers.push_back(flag.data());
   int count = static_cast<int>(pointers.size());

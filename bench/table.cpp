@@ -213,17 +213,17 @@ void Table::write_json(std::ostream &to) const {
   to << std::setprecision(10) << "[\n";
   const char *separator = "";
   for (const Row &row : by_group()) {
-    to << separator << "  {\"group\": \"" << row.group << "\", \"operation\": \"" << row.operation
-       << "\", \"size\": \"" << row.size << "\", \"unit\": \"" << (row.bytes ? "B/s" : "op/s")
-       << "\", \"figures\": {";
+    to << separator << R"(  {"group": ")" << row.group << R"(", "operation": ")" << row.operation
+       << R"(", "size": ")" << row.size << R"(", "unit": ")" << (row.bytes ? "B/s" : "op/s")
+       << R"(", "figures": {)";
     const char *comma = "";
     for (const auto &[name, best] : row.figures) {
-      to << comma << '"' << name << "\": " << best.first;
+      to << comma << '"' << name << R"(": )" << best.first;
       comma = ", ";
     }
     to << '}';
     if (row.comparable()) {
-      to << ", \"ratio\": " << row.ratio() << ", \"noisy\": " << (row.noisy() ? "true" : "false");
+      to << R"(, "ratio": )" << row.ratio() << R"(, "noisy": )" << (row.noisy() ? "true" : "false");
     }
     to << '}';
     separator = ",\n";

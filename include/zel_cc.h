@@ -11,13 +11,13 @@
 #include "zel_cc/hashdrbg.h"
 #include "zel_cc/hmac.h"
 #include "zel_cc/hmacdrbg.h"
-#include "zel_cc/rng.h"
-#include "zel_cc/selftest.h"
 #include "zel_cc/mint.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"
 #include "zel_cc/mint_rand.h"
 #include "zel_cc/prime.h"
+#include "zel_cc/rng.h"
+#include "zel_cc/selftest.h"
 #include "zel_cc/state.h"
 
 #endif
