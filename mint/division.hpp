@@ -5,7 +5,8 @@
 
 #include <bit>
 
-#include "mint/limbs.hpp"
+#include "base/wipe.hpp"
+#include "mint/rows.hpp"
 
 namespace zel::mint {
 
@@ -34,6 +35,12 @@ struct NoEvents {
   void estimate_raised() noexcept {}  ///< three by two: one more fitted after all
   void add_back() noexcept {}         ///< the quotient limb was one too large for the whole divisor
 };
+
+/// r = 2^(64 n) - a; whether that does not fit because a is zero.
+inline bool negate(Limb *r, const Limb *a, std::size_t n) noexcept {
+  limbs::zero(r, n);
+  return limbs::sub_n(r, r, a, n) == 0;
+}
 
 /// A normalised pair of limbs to divide by: the top bit of `d` is set.
 class Divisor3by2 {
@@ -91,6 +98,10 @@ template <class Events>
 void divide_normalised(Limb *q, Limb *u, std::size_t nu, const Limb *d, std::size_t nd,
                        Events &events) noexcept {
   const Divisor3by2 top(d[nd - 1], d[nd - 2]);
+  // The limbs below the two are added as their complement: sums are faster than differences.
+  const std::size_t low = nd - 2;
+  Limb complement[kDivisionLimbs];
+  const bool low_is_zero = negate(complement, d, low);
   for (std::size_t j = nu - nd + 1; j-- > 0;) {
     Limb *part = u + j;
     const DoubleLimb lead = join(part[nd], part[nd - 1]);
@@ -101,13 +112,14 @@ void divide_normalised(Limb *q, Limb *u, std::size_t nu, const Limb *d, std::siz
     } else {
       DoubleLimb rest = 0;
       quotient = top.divide(part[nd], part[nd - 1], part[nd - 2], rest, events);
-      const Limb borrow = limbs::submul_1(part, d, nd - 2, quotient);
+      const Limb carry = limbs::add_row(part, complement, low, quotient);
+      const Limb borrow = low_is_zero ? 0 : quotient - carry;
       const bool too_large = rest < borrow;
       rest -= borrow;
       if (__builtin_expect(too_large, 0)) {
         events.add_back();
         --quotient;
-        rest += top.value() + limbs::add_n(part, part, d, nd - 2);
+        rest += top.value() + limbs::add_n(part, part, d, low);
       }
       part[nd - 2] = low_half(rest);
       part[nd - 1] = high_half(rest);
@@ -115,6 +127,7 @@ void divide_normalised(Limb *q, Limb *u, std::size_t nu, const Limb *d, std::siz
     }
     if (q != nullptr) q[j] = quotient;
   }
+  wipe(complement, low * sizeof complement[0]);
 }
 
 /// u[nu + 1], whose top limb is scratch, becomes the remainder in its low nd limbs, zero above;

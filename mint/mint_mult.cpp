@@ -1,27 +1,68 @@
 // Multiplication and squaring of big integers: schoolbook on limbs, and Karatsuba's method.
 #include "mint/record.hpp"
+#include "mint/rows.hpp"
 
 namespace zel {
 namespace {
 
+using limbs::Limb;
 using mint::kWords;
-using Record = mint::Limbs<limbs::kMaxLimbs>;
 using Product = mint::Limbs<2 * limbs::kMaxLimbs>;
 
-/// r[keep] = the low words of a * b, both of at most 130 words.
+/// Words as limbs: where they are when the words pair up and only assembly looks at them, else as a
+/// copy.
+class Factor {
+ public:
+  Factor(const std::uint32_t *words, std::uint32_t len, bool in_place) noexcept
+      : size_(limbs::limbs_of_words(len)) {
+    if (in_place && len % 2 == 0) {
+      data_ = reinterpret_cast<const Limb *>(words);
+    } else {
+      limbs::from_words(copy_, size_, words, len);
+      data_ = copy_;
+    }
+  }
+  Factor(const Factor &) = delete;
+  Factor &operator=(const Factor &) = delete;
+  ~Factor() {
+    if (data_ == copy_) wipe(copy_, size_ * sizeof copy_[0]);
+  }
+
+  const Limb *data() const noexcept { return data_; }
+  std::size_t size() const noexcept { return size_; }
+
+ private:
+  Limb copy_[limbs::kMaxLimbs];
+  const Limb *data_;
+  std::size_t size_;
+};
+
+/// r[keep] = the low words of a * b, both of at most 130 words; r may be an operand.
 void multiply(std::uint32_t *r, std::uint32_t keep, std::uint32_t a_len, const std::uint32_t *a,
               std::uint32_t b_len, const std::uint32_t *b) noexcept {
-  const Record x(a, a_len);
-  const Record y(b, b_len);
-  Product product(x.size() + y.size());
-  limbs::mul(product.data(), x.data(), x.size(), y.data(), y.size());
-  limbs::to_words(r, keep, product.data(), product.size());
+  const bool adx = limbs::has_adx();
+  const Factor x(a, a_len, adx);
+  const Factor y(b, b_len, adx);
+  const bool in_place = adx && keep == 2 * (x.size() + y.size()) && r != a && r != b;
+  Product product(in_place ? 0 : x.size() + y.size());
+  Limb *to = in_place ? reinterpret_cast<Limb *>(r) : product.data();
+  if (!adx)
+    limbs::mul(to, x.data(), x.size(), y.data(), y.size());
+  else if (a == b && x.size() == y.size() && x.size() % 8 == 0 && x.size() != 0)
+    zel_adx_sqr(to, x.data(), x.size() / 8);
+  else
+    limbs::multiply_adx(to, x.data(), x.size(), y.data(), y.size());
+  if (!in_place) limbs::to_words(r, keep, product.data(), product.size());
 }
 
-/// r[keep] = the low words of a * a, of at most 130 words.
+/// r[keep] = the low words of a * a, of at most 130 words; r may be a.
 void square(std::uint32_t *r, std::uint32_t keep, std::uint32_t a_len,
             const std::uint32_t *a) noexcept {
-  const Record x(a, a_len);
+  if (limbs::has_adx()) {
+    multiply(r, keep, a_len, a, a_len, a);
+    return;
+  }
+  const Factor x(a, a_len, false);
   Product product(2 * x.size());
   limbs::sqr(product.data(), x.data(), x.size());
   limbs::to_words(r, keep, product.data(), product.size());

@@ -1,4 +1,5 @@
 // Greatest common divisors, their coefficients and modular inverses, against GMP.
+#include "mint/secret.hpp"
 #include "support/mint.hpp"
 #include "zel_cc.h"
 
@@ -108,6 +109,38 @@ TEST_F(Gcd, InverseAgreesWithGmp) {
   }
   EXPECT_GT(found, 1000);
   EXPECT_GT(missing, 1000);
+}
+
+TEST_F(Gcd, InverseOfASecretIsTheSame) {
+  Fenced r;
+  int found = 0, missing = 0;
+  for (int turn = 0; turn < 3000; ++turn) {
+    draw(turn);
+    if (turn % 4 != 0) {  // mostly the sizes of group orders
+      a_.length %= 9;
+      b_.length = 1 + b_.length % 9;
+    }
+    b_.words[0] |= 1;
+    if (b_.length == 0) b_.length = 1;
+    va_ = value_of(a_);
+    vb_ = value_of(b_);
+    mpz_class want = 0;
+    const bool exists = vb_ == 1 || mpz_invert(want.get_mpz_t(), va_.get_mpz_t(), vb_.get_mpz_t());
+    if (!exists) want = 0;
+    r.reset(a_);
+    const std::int32_t status = zel::mint::inverse_secret(*r, turn % 2 == 0 ? *r : a_, b_);
+    ASSERT_EQ(status, exists ? ZEL_OK : ZEL_ERR_NO_INVERSE) << turn;
+    ASSERT_EQ(value_of(*r), want) << turn;
+    ASSERT_EQ(r->length, words_of(vb_));
+    ASSERT_TRUE(r.intact());
+    ++(exists ? found : missing);
+  }
+  EXPECT_GT(found, 500);
+  EXPECT_GT(missing, 500);
+  MINT even = record(10), zero = record(0);
+  EXPECT_EQ(zel::mint::inverse_secret(*r, a_, even), ZEL_ERR_GENERIC);
+  EXPECT_EQ(zel::mint::inverse_secret(*r, a_, zero), ZEL_ERR_GENERIC);
+  EXPECT_EQ(zel::mint::inverse_secret(*r, a_, a_), ZEL_ERR_GENERIC);
 }
 
 TEST_F(Gcd, InverseRefusals) {

@@ -2,9 +2,11 @@
 // GMP.
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "support/features.hpp"
 #include "support/mint.hpp"
 #include "zel_cc.h"
 
@@ -386,11 +388,13 @@ class EveryOperation : public testing::TestWithParam<Operation> {
     expect("r is b");
   }
   Fenced r_;
+  std::optional<FeatureMask> features_;
 };
 
 TEST_P(EveryOperation, AgreesWithGmpWhereverTheResultGoes) {
   Shapes shapes(5);
-  for (int turn = 0; turn < 4000; ++turn) {
+  for (int turn = 0; turn < 6000; ++turn) {
+    if (turn % 3000 == 0) features_.emplace(turn == 0 ? ~0U : 0U);
     const MINT a = shapes.operand(turn % 2 == 0 ? 130 : 66);
     const MINT b = shapes.operand(turn % 2 == 0 ? 130 : 66);
     check(a, b);
@@ -461,6 +465,7 @@ TEST(MintWords, OperationsWithOneWord) {
     }
     MINT_SetByInteger(r.get(), w);
     expect(w, w == 0 ? 0 : 1, "set");
+    const FeatureMask features(turn % 64 == 0 ? 0U : ~0U);
     MINT_Square(r.get(), &a);
     expect(v * v, std::min(2 * len, 130U), "square");
     r.reset(a);

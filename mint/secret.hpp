@@ -1,0 +1,20 @@
+// Arithmetic on secret operands: the time depends on the lengths alone, and nothing branches on or
+// indexes by a value.
+#pragma once
+
+#include <cstdint>
+
+#include "zel_cc/mint.h"
+
+namespace zel::mint {
+
+/// r = 1/a mod n for odd n, as of MINT_Inverse, except that r is not trimmed but has the
+/// significant length of n, and is zero when there is no inverse. n is public, and so are all
+/// lengths; the value of a, which may be above n, and the result are secret. a may be r; n may be
+/// neither.
+///
+/// Whether there is an inverse is computed without a branch; a caller who branches on the status
+/// makes it public. ZEL_ERR_GENERIC, with r untouched: n is zero or even, or is r or a.
+[[nodiscard]] std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept;
+
+}  // namespace zel::mint
