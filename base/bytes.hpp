@@ -61,7 +61,10 @@ inline void store_be64(std::uint8_t *to, std::uint64_t value) noexcept { store_b
 /// to[i] = a[i] ^ b[i]; `to` may be `a` or `b`.
 inline void xor_bytes(std::uint8_t *to, const std::uint8_t *a, const std::uint8_t *b,
                       std::size_t len) noexcept {
-  for (std::size_t i = 0; i < len; ++i)
+  std::size_t i = 0;
+  for (; i + 8 <= len; i += 8)
+    store_le64(to + i, load_le64(a + i) ^ load_le64(b + i));
+  for (; i < len; ++i)
     to[i] = static_cast<std::uint8_t>(a[i] ^ b[i]);
 }
 

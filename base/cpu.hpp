@@ -25,12 +25,16 @@ inline constexpr std::uint32_t kAsked = 1U << 31;
 /// Asks the processor and remembers. Threads that race here store the same word.
 std::uint32_t ask() noexcept;
 
-template <class... Features>
-inline bool has(Features... wanted) noexcept {
-  const std::uint32_t mask = (... | static_cast<std::uint32_t>(wanted));
+/// Whether all features of a set of bits are there.
+inline bool has_all(std::uint32_t mask) noexcept {
   std::uint32_t known = g_features.load(std::memory_order_relaxed);
   if ((known & kAsked) == 0) known = ask();
   return (known & mask) == mask;
+}
+
+template <class... Features>
+inline bool has(Features... wanted) noexcept {
+  return has_all((... | static_cast<std::uint32_t>(wanted)));
 }
 
 }  // namespace zel::cpu

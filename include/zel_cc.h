@@ -6,6 +6,8 @@
 #define ZEL_CC_H
 
 #include "zel_cc/base.h"
+#include "zel_cc/bcipher.h"
+#include "zel_cc/ciphers.h"
 #include "zel_cc/errors.h"
 #include "zel_cc/hash.h"
 #include "zel_cc/hashdrbg.h"
@@ -18,6 +20,7 @@
 #include "zel_cc/prime.h"
 #include "zel_cc/rng.h"
 #include "zel_cc/selftest.h"
+#include "zel_cc/rc4.h"
 #include "zel_cc/state.h"
 
 #endif

@@ -1,0 +1,35 @@
+// The block ciphers as the rest of the library names them, whatever a program does to the exported
+// names (base/identity.hpp), and their many-block routines.
+#pragma once
+
+#include "base/identity.hpp"
+#include "cipher/bulk.hpp"
+#include "zel_cc/bcipher.h"
+#include "zel_cc/ciphers.h"
+
+extern "C" {
+extern __attribute__((visibility("hidden"))) const BCIPHER_ALGORITHM zel_own_aria, zel_own_aria192,
+    zel_own_aria256, zel_own_seed, zel_own_rijndael, zel_own_rijndael256, zel_own_aesni,
+    zel_own_aesni256, zel_own_des, zel_own_tdes, zel_own_blowfish, zel_own_cast128, zel_own_idea,
+    zel_own_rc2, zel_own_rc5, zel_own_tavo, zel_own_tavoold;
+}
+
+namespace zel {
+
+/// Whether the cipher may be used in the verified service.
+inline bool is_approved(const BCIPHER_ALGORITHM *given) noexcept {
+  return is_same(given, zel_own_aria, aria) || is_same(given, zel_own_aria192, aria192) ||
+         is_same(given, zel_own_aria256, aria256) || is_same(given, zel_own_seed, seed);
+}
+
+namespace bulk {
+
+// Fast paths; each lives in the file of its algorithm or of its instruction set, and has a row in
+// bulk.cpp.
+extern const Ops rijndael128_vaes, rijndael256_vaes;
+extern const Ops rijndael128_aesni, rijndael256_aesni;
+extern const Ops rijndael128_sliced, rijndael256_sliced;
+extern const Ops des_interleaved, tdes_interleaved;
+
+}  // namespace bulk
+}  // namespace zel

@@ -1,0 +1,125 @@
+// Many blocks at once: the seam between the modes, which know no algorithm, and the fast paths of
+// the algorithms, which know no mode.
+//
+// An algorithm that has a faster way for several blocks exports an Ops and gets a row in bulk.cpp,
+// keyed by the address of its encryption function: some callers have nothing but that address. The
+// modes go through Cipher, which takes whatever there is and falls back to the block functions, so
+// that a caller's own cipher works alike.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "base/bytes.hpp"
+#include "base/wipe.hpp"
+#include "zel_cc/bcipher.h"
+
+namespace zel::bulk {
+
+/// What a serial mode does with each block; `chain` is its register.
+enum class Chain : std::uint8_t {
+  kCbcEncrypt,  ///< chain = E(chain ^ in), out = chain
+  kCbcMac,      ///< chain = E(chain ^ in); `out` is not used
+  kCfbEncrypt,  ///< chain = E(chain) ^ in, out = chain
+  kOfb,         ///< chain = E(chain), out = chain ^ in
+};
+
+/// `count` whole blocks; `out` may equal `in` and does not overlap it otherwise. Nothing has an
+/// alignment.
+using BlocksFn = void (*)(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                          const void *round_keys);
+/// The same with a register, which is left as the mode's next call needs it.
+using ChainedFn = void (*)(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                           const void *round_keys, std::uint8_t *chain);
+using SerialFn = void (*)(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                          const void *round_keys, std::uint8_t *chain);
+
+/// The serial modes over `encipher(block)`, which enciphers one block of `len` bytes in place.
+template <class Encipher>
+void serial_blocks(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                   std::uint8_t *chain, std::size_t len, Encipher encipher) noexcept {
+  Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]> held;
+  std::uint8_t *const reg = *held;
+  std::memcpy(reg, chain, len);
+  for (; count > 0; --count, in += len) {
+    if (kind == Chain::kCbcEncrypt || kind == Chain::kCbcMac) xor_bytes(reg, reg, in, len);
+    encipher(reg);
+    if (kind == Chain::kCbcMac) continue;
+    if (kind == Chain::kCfbEncrypt) xor_bytes(reg, reg, in, len);
+    if (kind == Chain::kOfb) {
+      xor_bytes(out, reg, in, len);
+    } else {
+      std::memcpy(out, reg, len);
+    }
+    out += len;
+  }
+  std::memcpy(chain, reg, len);
+}
+
+/// The fast paths of one algorithm. Any of them may be null: Cipher then makes do with the others.
+struct Ops {
+  BlocksFn encrypt = nullptr;
+  BlocksFn decrypt = nullptr;
+  ChainedFn ctr = nullptr;          ///< `chain` is the counter, big-endian over the whole block
+  ChainedFn cbc_decrypt = nullptr;  ///< `chain` becomes the last ciphertext block
+  SerialFn serial = nullptr;
+};
+
+/// The fast paths behind a block function; null for a caller's own and, in the verified service,
+/// for the ciphers that compute nothing there.
+const Ops *ops_for(BCIPHER_BLOCK_FN encrypt_block) noexcept;
+
+/// A keyed cipher as the modes use it. Every operation takes whole blocks.
+class Cipher {
+ public:
+  /// `decryption` may be null where nothing is deciphered.
+  Cipher(std::size_t len, BCIPHER_BLOCK_FN encryption, BCIPHER_BLOCK_FN decryption,
+         const void *keys) noexcept
+      : block_len_(len),
+        encrypt_block_(encryption),
+        decrypt_block_(decryption),
+        round_keys_(keys),
+        ops_(ops_for(encryption)) {}
+
+  explicit Cipher(const BCIPHER_KEY &key) noexcept
+      : Cipher(key.descriptor->block_len, key.descriptor->EncryptBlock,
+               key.descriptor->DecryptBlock, key.round_keys) {}
+
+  std::size_t block_len() const noexcept { return block_len_; }
+
+  /// Enciphers one block in place.
+  void encrypt_block(std::uint8_t *block) const noexcept { encrypt_block_(block, round_keys_); }
+  /// Deciphers one block in place.
+  void decrypt_block(std::uint8_t *block) const noexcept { decrypt_block_(block, round_keys_); }
+
+  void encrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t count) const noexcept;
+  void decrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t count) const noexcept;
+  /// out = in ^ E(counter), E(counter + 1), ...; the counter is advanced by `count`.
+  void ctr(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+           std::uint8_t *counter) const noexcept;
+  /// out = D(in) ^ the block before; the register becomes the last block of `in`.
+  void cbc_decrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                   std::uint8_t *chain) const noexcept;
+  /// out = in ^ E(the block before); the register becomes the last block of `in`.
+  void cfb_decrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                   std::uint8_t *chain) const noexcept;
+  /// Block after block, as `kind` says.
+  void serial(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+              std::uint8_t *chain) const noexcept;
+
+ private:
+  std::size_t block_len_;
+  BCIPHER_BLOCK_FN encrypt_block_;
+  BCIPHER_BLOCK_FN decrypt_block_;
+  const void *round_keys_;
+  const Ops *ops_;
+};
+
+/// Adds 1 to a big-endian number that wraps to zero.
+inline void increment(std::uint8_t *counter, std::size_t len) noexcept {
+  while (len > 0 && ++counter[--len] == 0) {
+  }
+}
+
+}  // namespace zel::bulk
