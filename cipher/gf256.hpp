@@ -20,7 +20,8 @@ consteval std::uint8_t multiply(unsigned a, unsigned b, unsigned polynomial = kA
   return static_cast<std::uint8_t>(product);
 }
 
-consteval std::uint8_t power(unsigned base, unsigned exponent, unsigned polynomial = kAesPolynomial) {
+consteval std::uint8_t power(unsigned base, unsigned exponent,
+                             unsigned polynomial = kAesPolynomial) {
   unsigned result = 1;
   for (; exponent != 0; exponent >>= 1) {
     if ((exponent & 1) != 0) result = multiply(result, base, polynomial);
