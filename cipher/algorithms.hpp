@@ -30,6 +30,8 @@ extern const Ops rijndael128_vaes, rijndael256_vaes;
 extern const Ops rijndael128_aesni, rijndael256_aesni;
 extern const Ops rijndael128_sliced, rijndael256_sliced;
 extern const Ops des_interleaved, tdes_interleaved;
+extern const Ops blowfish_interleaved, cast128_interleaved, idea_interleaved, rc2_interleaved,
+    rc5_interleaved;
 
 }  // namespace bulk
 }  // namespace zel
