@@ -24,6 +24,13 @@ inline bool is_approved(const BCIPHER_ALGORITHM *given) noexcept {
 
 namespace bulk {
 
+/// Whether `aesni` and `aesni256` compute anything in this build.
+#ifdef ZEL_CC_AESNI
+inline constexpr bool kBuiltWithAesni = true;
+#else
+inline constexpr bool kBuiltWithAesni = false;
+#endif
+
 // Fast paths; each lives in the file of its algorithm or of its instruction set, and has a row in
 // bulk.cpp.
 extern const Ops rijndael128_vaes, rijndael256_vaes;

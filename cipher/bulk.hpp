@@ -17,6 +17,11 @@
 
 namespace zel::bulk {
 
+/// Whether a cipher with blocks of `len` bytes fits the registers.
+constexpr bool is_block_len(std::size_t len) noexcept {
+  return len >= 1 && len <= ZEL_MAX_BLOCK_LEN;
+}
+
 /// What a serial mode does with each block; `chain` is its register.
 enum class Chain : std::uint8_t {
   kCbcEncrypt,  ///< chain = E(chain ^ in), out = chain

@@ -1,0 +1,34 @@
+// Counter mode, over a counter as wide as the block. NIST SP 800-38A, section 6.5.
+#include <cstring>
+
+#include "base/bytes.hpp"
+#include "base/wipe.hpp"
+#include "cipher/modes.hpp"
+
+namespace zel::modes {
+
+// Deliberate: a call of zero bytes uses up a block of key stream, as a partial block does.
+void ctr(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter) noexcept {
+  const std::size_t len = cipher.block_len();
+  const std::size_t count = piece.len / len;
+  cipher.ctr(piece.out, piece.in, count, counter);
+  piece.skip(count * len);
+  if (piece.len == 0 && count > 0) return;
+  Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]> stream;
+  std::memcpy(*stream, counter, len);
+  cipher.encrypt_block(*stream);
+  xor_bytes(piece.out, piece.in, *stream, piece.len);
+  bulk::increment(counter, len);
+}
+
+}  // namespace zel::modes
+
+using namespace zel;
+
+uint32_t BCIPHER_EncryptCTR(uint8_t *data, uint32_t len, const void *round_keys, uint8_t *counter,
+                            uint32_t block_len, BCIPHER_BLOCK_FN encrypt_block) {
+  if (!bulk::is_block_len(block_len)) return len;
+  modes::ctr(bulk::Cipher(block_len, encrypt_block, nullptr, round_keys), {data, data, len},
+             counter);
+  return 0;
+}
