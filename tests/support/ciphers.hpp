@@ -1,0 +1,89 @@
+// The block ciphers for tests that run over all of them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "tests/support/vectors.hpp"
+#include "zel_cc.h"
+
+namespace zel::test {
+
+struct CipherRow {
+  const char *name;
+  const BCIPHER_ALGORITHM *descriptor;
+  std::uint32_t key_len;  ///< the cipher's own, or one that suits it
+  std::uint32_t block_len, round_keys_len;
+  bool approved;
+  bool computes;  ///< false for descriptors that this build leaves empty
+};
+
+#ifdef ZEL_CC_AESNI
+inline constexpr bool kAesniComputes = true;
+#else
+inline constexpr bool kAesniComputes = false;
+#endif
+
+/// The catalogue: every descriptor and what it must hold.
+inline const CipherRow kCiphers[] = {
+    {"aria", &aria, 16, 16, 416, true, true},
+    {"aria192", &aria192, 24, 16, 480, true, true},
+    {"aria256", &aria256, 32, 16, 544, true, true},
+    {"seed", &seed, 16, 16, 128, true, true},
+    {"rijndael", &rijndael, 16, 16, 352, false, true},
+    {"rijndael256", &rijndael256, 32, 16, 480, false, true},
+    {"aesni", &aesni, 16, 16, 352, false, kAesniComputes},
+    {"aesni256", &aesni256, 32, 16, 480, false, kAesniComputes},
+    {"des", &des, 8, 8, 128, false, true},
+    {"tdes", &tdes, 24, 8, 384, false, true},
+    {"blowfish", &blowfish, 16, 8, 4168, false, true},
+    {"cast128", &cast128, 16, 8, 128, false, true},
+    {"idea", &idea, 16, 8, 224, false, true},
+    {"rc2", &rc2, 16, 8, 128, false, true},
+    {"rc5", &rc5, 16, 8, 104, false, true},
+    {"tavo", &tavo, 16, 16, 256, false, true},
+    {"tavoold", &tavoold, 16, 16, 256, false, true},
+};
+
+using Key = std::unique_ptr<BCIPHER_KEY, decltype(&BCIPHER_DelKey)>;
+
+inline Key new_key(const BCIPHER_ALGORITHM &descriptor) {
+  return {BCIPHER_NewKey(&descriptor), &BCIPHER_DelKey};
+}
+
+inline Key load_key(const BCIPHER_ALGORITHM &descriptor, const Bytes &bytes) {
+  Key key = new_key(descriptor);
+  const auto len = static_cast<std::uint32_t>(bytes.size());
+  if (BCIPHER_MakeKey(key.get(), bytes.data(), len, &descriptor) != ZEL_OK) key.reset();
+  return key;
+}
+
+/// What one call gave.
+struct Result {
+  std::int32_t code;
+  Bytes data;  ///< as many bytes as the call reported
+};
+
+/// One call of BCIPHER_Encrypt or BCIPHER_Decrypt, in place or from one buffer to another.
+inline Result operate(bool decrypt, BCIPHER_CONTEXT &context, const BCIPHER_KEY *key,
+                      const Bytes &in, bool last = false, bool in_place = false) {
+  Bytes out(in.size() + ZEL_MAX_BLOCK_LEN, 0xcc);
+  if (in_place) std::copy(in.begin(), in.end(), out.begin());
+  std::uint32_t len = 0xffffffff;
+  const auto call = decrypt ? BCIPHER_Decrypt : BCIPHER_Encrypt;
+  const std::int32_t code =
+      call(out.data(), &len, in_place ? out.data() : in.data(),
+           static_cast<std::uint32_t>(in.size()), &context, key, last ? 1 : 0);
+  out.resize(len == 0xffffffff ? 0 : len);
+  return {code, out};
+}
+
+inline BCIPHER_CONTEXT start(std::uint8_t mode, const BCIPHER_ALGORITHM &descriptor,
+                             const Bytes &iv) {
+  BCIPHER_CONTEXT context{};
+  BCIPHER_Initialize(&context, mode, iv.empty() ? nullptr : iv.data(), &descriptor);
+  return context;
+}
+
+}  // namespace zel::test
