@@ -39,6 +39,7 @@ extern const Ops rijndael128_sliced, rijndael256_sliced;
 extern const Ops des_interleaved, tdes_interleaved;
 extern const Ops blowfish_interleaved, cast128_interleaved, idea_interleaved, rc2_interleaved,
     rc5_interleaved;
+extern const Ops idea_avx2, rc5_avx2;
 
 }  // namespace bulk
 }  // namespace zel

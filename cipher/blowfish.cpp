@@ -28,7 +28,7 @@ inline std::uint32_t f(const std::uint8_t *keys, std::uint32_t x) noexcept {
 
 struct Kernel {
   static constexpr std::size_t kBlockLen = 8;
-  static constexpr std::size_t kLanes = 4;
+  static constexpr std::size_t kLanes = 8;
 
   /// The P-array is used from word `first` on, upwards or downwards.
   template <std::size_t N>

@@ -33,6 +33,13 @@ constinit const Row kRows[] = {
     {RIJNDAEL256_EncryptBlock, needs(), false, &rijndael256_sliced},
     {DES_EncryptBlock, needs(), false, &des_interleaved},
     {TDES_EncryptBlock, needs(), false, &tdes_interleaved},
+    {BLOWFISH_EncryptBlock, needs(), false, &blowfish_interleaved},
+    {CAST128_EncryptBlock, needs(), false, &cast128_interleaved},
+    {IDEA_EncryptBlock, needs(kAvx2), false, &idea_avx2},
+    {IDEA_EncryptBlock, needs(), false, &idea_interleaved},
+    {RC2_EncryptBlock, needs(), false, &rc2_interleaved},
+    {RC5_EncryptBlock, needs(kAvx2), false, &rc5_avx2},
+    {RC5_EncryptBlock, needs(), false, &rc5_interleaved},
 };
 
 /// Key stream and saved ciphertext of the fallbacks: a whole number of work units of every routine.

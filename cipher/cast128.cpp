@@ -34,7 +34,7 @@ inline std::uint32_t f(std::uint32_t x, std::uint32_t mask, std::uint32_t rotati
 
 struct Kernel {
   static constexpr std::size_t kBlockLen = 8;
-  static constexpr std::size_t kLanes = 3;
+  static constexpr std::size_t kLanes = 5;
   enum class Order { kUp, kDown };
 
   template <std::size_t N, Order kOrder>

@@ -4,7 +4,6 @@
 
 #include <array>
 
-#include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "cipher/algorithms.hpp"
 #include "cipher/interleave.hpp"
@@ -17,14 +16,14 @@ using Word = std::uint16_t;
 
 inline Word add(unsigned a, unsigned b) noexcept { return static_cast<Word>(a + b); }
 
-/// Product modulo 65537, where 0 stands for 65536, without a branch. 2^16 = -1 makes the product of
-/// two words low - high, and 0 * b = -b.
+/// Product modulo 65537, where 0 stands for 65536. 2^16 = -1 makes the product of two words
+/// low - high, and 0 * b = -b.
 inline Word mul(Word a, Word b) noexcept {
   const std::uint32_t product = std::uint32_t{a} * b;
-  const std::uint32_t difference = (product & 0xffff) - (product >> 16);
-  const std::uint32_t with_zero = 1U - a - b;
-  return static_cast<Word>(
-      ct::select(ct::mask_if_zero(product), with_zero, difference - (difference >> 16)));
+  const auto low = static_cast<Word>(product);
+  const auto high = static_cast<Word>(product >> 16);
+  const auto difference = static_cast<Word>(low - high + (low < high));
+  return product != 0 ? difference : static_cast<Word>(1U - a - b);
 }
 
 /// The inverse modulo 65537: the power 65535, as the group has 65536 elements.
@@ -120,6 +119,12 @@ void invert(Subkeys &inverse, const Subkeys &subkeys) noexcept {
 }  // namespace
 
 constinit const bulk::Ops bulk::idea_interleaved = bulk::Interleaved<Kernel>::ops();
+
+constinit const bulk::Ops bulk::idea_avx2 = {
+    .encrypt = idea_encrypt_avx2,
+    .decrypt = idea_decrypt_avx2,
+    .serial = bulk::Interleaved<Kernel>::serial,
+};
 
 }  // namespace zel
 

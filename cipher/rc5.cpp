@@ -6,13 +6,13 @@
 #include "base/wipe.hpp"
 #include "cipher/algorithms.hpp"
 #include "cipher/interleave.hpp"
+#include "cipher/rc5.hpp"
 #include "core/gate.hpp"
 
 namespace zel {
 namespace {
 
-constexpr std::size_t kRounds = 12;
-constexpr std::size_t kWords = 2 * (kRounds + 1);
+constexpr std::size_t kWords = 2 * (kRc5Rounds + 1);
 
 inline std::uint32_t rotl(std::uint32_t x, std::uint32_t count) noexcept {
   return std::rotl(x, static_cast<int>(count & 31));
@@ -34,7 +34,7 @@ struct Kernel {
       a[i] = load_le32(in + 8 * i) + load_le32(keys);
       b[i] = load_le32(in + 8 * i + 4) + load_le32(keys + 4);
     });
-    for (std::size_t round = 1; round <= kRounds; ++round) {
+    for (std::size_t round = 1; round <= kRc5Rounds; ++round) {
       const std::uint32_t key_a = load_le32(keys + 8 * round);
       const std::uint32_t key_b = load_le32(keys + 8 * round + 4);
       bulk::each<N>([&](auto i) { a[i] = rotl(a[i] ^ b[i], b[i]) + key_a; });
@@ -54,7 +54,7 @@ struct Kernel {
       a[i] = load_le32(in + 8 * i);
       b[i] = load_le32(in + 8 * i + 4);
     });
-    for (std::size_t round = kRounds; round >= 1; --round) {
+    for (std::size_t round = kRc5Rounds; round >= 1; --round) {
       const std::uint32_t key_a = load_le32(keys + 8 * round);
       const std::uint32_t key_b = load_le32(keys + 8 * round + 4);
       bulk::each<N>([&](auto i) { b[i] = rotr(b[i] - key_b, a[i]) ^ a[i]; });
@@ -108,6 +108,12 @@ std::int32_t make_round_keys(std::uint8_t *round_keys, const std::uint8_t *key,
 }  // namespace
 
 constinit const bulk::Ops bulk::rc5_interleaved = bulk::Interleaved<Kernel>::ops();
+
+constinit const bulk::Ops bulk::rc5_avx2 = {
+    .encrypt = rc5_encrypt_avx2,
+    .decrypt = rc5_decrypt_avx2,
+    .serial = bulk::Interleaved<Kernel>::serial,
+};
 
 }  // namespace zel
 
