@@ -11,6 +11,7 @@
 #include "cipher/algorithms.hpp"
 #include "cipher/modes.hpp"
 #include "core/gate.hpp"
+#include "zel_cc/hashdrbg.h"
 
 namespace zel {
 namespace {
@@ -149,6 +150,16 @@ void BCIPHER_WipeKey(BCIPHER_KEY *key) {
   if (!gate::serving() || key == nullptr || key->round_keys == nullptr) return;
   wipe(key->round_keys, key->descriptor->round_keys_len);
   wipe(key->key_bytes, loaded_bytes(*key));
+}
+
+int32_t BCIPHER_GenKey(uint8_t *out, uint32_t len) {
+  constexpr uint32_t kBitsPerByte = 8;
+  if (len > UINT32_MAX / kBitsPerByte) return ZEL_ERR_GENERIC;
+  if (HASHDRBG_GetRandNum(out, len * kBitsPerByte) != ZEL_OK) {
+    KZEL_CC_SetState(ZEL_STATE_ERROR);
+    return ZEL_ERR_GENERIC;
+  }
+  return ZEL_OK;
 }
 
 int32_t BCIPHER_MakeKey(BCIPHER_KEY *key, const uint8_t *key_bytes, uint32_t key_len,

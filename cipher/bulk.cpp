@@ -31,6 +31,10 @@ constinit const Row kRows[] = {
     {RIJNDAEL_EncryptBlock, needs(), false, &rijndael128_sliced},
     {RIJNDAEL256_EncryptBlock, needs(kAesni), false, &rijndael256_aesni},
     {RIJNDAEL256_EncryptBlock, needs(), false, &rijndael256_sliced},
+#ifdef ZEL_CC_AESNI
+    {RIJNDAEL_EncryptBlock_AESNI, needs(kAesni), false, &rijndael128_aesni},
+    {RIJNDAEL256_EncryptBlock_AESNI, needs(kAesni), false, &rijndael256_aesni},
+#endif
     {DES_EncryptBlock, needs(), false, &des_interleaved},
     {TDES_EncryptBlock, needs(), false, &tdes_interleaved},
     {BLOWFISH_EncryptBlock, needs(), false, &blowfish_interleaved},
@@ -40,6 +44,8 @@ constinit const Row kRows[] = {
     {RC2_EncryptBlock, needs(), false, &rc2_interleaved},
     {RC5_EncryptBlock, needs(kAvx2), false, &rc5_avx2},
     {RC5_EncryptBlock, needs(), false, &rc5_interleaved},
+    {TAVO_EncryptBlock, needs(), false, &tavo_interleaved},
+    {TAVOOLD_EncryptBlock, needs(), false, &tavoold_interleaved},
 };
 
 /// Key stream and saved ciphertext of the fallbacks: a whole number of work units of every routine.

@@ -30,7 +30,7 @@ TEST(Catalogue, SchedulesFillTheirLengthAtAnyAddress) {
     const FeatureMask mask(set.mask);
     for (const CipherRow &row : kCiphers) {
       SCOPED_TRACE(set.name + ' ' + row.name);
-      if (!row.computes) continue;
+      if (!row.computes()) continue;
       Bytes key(row.key_len);
       for (std::size_t i = 0; i < key.size(); ++i)
         key[i] = static_cast<std::uint8_t>(17 * i + 3);
@@ -245,7 +245,6 @@ TEST(Aesni, ComputesOnlyWhenTheProcessorTestSaysSo) {
     const FeatureMask mask(set.mask);
     SCOPED_TRACE(set.name);
     const bool there = Check_CPU_support_AES() == 1;
-    if (!kAesniComputes) EXPECT_FALSE(there);
     const Bytes key(32, 0x42);
     Bytes schedule(480, 0xa5), same(480), block(16, 0x11), expected(16, 0x11);
     EXPECT_EQ(RIJNDAEL256_MakeRoundKey_AESNI(schedule.data(), key.data(), 32),

@@ -314,8 +314,6 @@ TEST_P(EveryCipher, RoundTripsInEveryMode) {
       if (padded && &descriptor == &tavoold && len % block == 0) {
         EXPECT_EQ(back.code, ZEL_ERR_PADDING) << "its padding of a full block is zero bytes";
         EXPECT_EQ(back.data.size(), there.data.size());
-      } else if (padded && !row.computes && len == 0) {
-        EXPECT_EQ(back.code, ZEL_OK);
       } else {
         EXPECT_EQ(back.code, ZEL_OK);
         EXPECT_EQ(back.data, in);
@@ -353,7 +351,7 @@ TEST_P(EveryCipher, ModeFunctionsOverABlockFunction) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, EveryCipher, ::testing::ValuesIn(kCiphers),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         [](const auto &one) { return std::string(one.param.name); });
 
 // A caller's own cipher, with a block length that none of ours has.
 constexpr std::uint32_t kOddBlock = 12;
@@ -379,8 +377,8 @@ const BCIPHER_ALGORITHM kOdd = {kOddBlock,   16,      odd_schedule, odd_encrypt,
                                 odd_decrypt, nullptr, nullptr};
 
 INSTANTIATE_TEST_SUITE_P(Callers, EveryCipher,
-                         ::testing::Values(CipherRow{"odd", &kOdd, 16, kOddBlock, 16, false, true}),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         ::testing::Values(CipherRow{"odd", &kOdd, 16, kOddBlock, 16, false}),
+                         [](const auto &one) { return std::string(one.param.name); });
 
 TEST(Padding, CountsAndClamps) {
   const Bytes data = from_hex("a1a2a3");
@@ -481,6 +479,29 @@ TEST(Operation, OnlyOneIsFinal) {
   EXPECT_EQ(len, 8U);
   BCIPHER_Encrypt(bytes.data(), &len, bytes.data(), 8, &context, key.get(), 1);
   EXPECT_EQ(len, 16U);
+}
+
+// In the verified service the block functions of the other ciphers do nothing, and then nothing
+// behind them may either: the key stream of counter mode is the counters themselves.
+TEST(Operation, FastPathsSleepWithTheirBlockFunctions) {
+  for (const CipherRow &row : kCiphers) {
+    SCOPED_TRACE(row.name);
+    const std::uint32_t len = row.block_len;
+    const Key key = load_key(*row.descriptor, Bytes(row.key_len, 7));
+    Bytes data(40 * len);
+    Bytes counter(len);
+    Bytes block(len, 0x3c);
+    KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+    row.descriptor->EncryptBlock(block.data(), key->round_keys);
+    BCIPHER_EncryptCTR(data.data(), 40 * len, key->round_keys, counter.data(), len,
+                       row.descriptor->EncryptBlock);
+    KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+    const bool asleep = block == Bytes(len, 0x3c);
+    EXPECT_EQ(asleep, !row.approved);
+    for (std::size_t i = 0; i < 40 && asleep; ++i)
+      ASSERT_EQ(data[i * len + len - 1], i);
+    EXPECT_EQ(counter.back(), 40);
+  }
 }
 
 TEST(KeyObject, LivesThroughLoadingCopyingAndWiping) {

@@ -161,6 +161,20 @@ ZEL_API void BCIPHER_DelKey(BCIPHER_KEY *key);
 ZEL_API void BCIPHER_WipeKey(BCIPHER_KEY *key);
 
 /**
+ * Draws random key bytes from the approved generator, `HASHDRBG_GetRandNum`.
+ *
+ * A generator that refuses puts the module into the error state: do not call this where the module
+ * is not serving.
+ *
+ * @param[out] out  [len] bytes
+ * @param[in]  len  bytes, at most 2^29 - 1
+ * @retval ZEL_OK          done
+ * @retval ZEL_ERR_GENERIC more bytes than the generator counts: nothing touched; otherwise the
+ *                         generator failed and the module is in the error state
+ */
+ZEL_API int32_t BCIPHER_GenKey(uint8_t *out, uint32_t len);
+
+/**
  * Loads a key and expands it. Whether the length suits the cipher is the cipher's business: no
  * answer tells.
  *

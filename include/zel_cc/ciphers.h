@@ -34,9 +34,7 @@ ZEL_API void ARIA_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of ARIA with a 128-bit key (KS X 1213, RFC 5794) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `ARIA_MakeRoundKey`
+ * @copydetails ARIA_EncryptBlock
  */
 ZEL_API void ARIA_DecryptBlock(void *block, const void *round_keys);
 
@@ -60,9 +58,7 @@ ZEL_API void ARIA192_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of ARIA with a 192-bit key (KS X 1213, RFC 5794) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `ARIA192_MakeRoundKey`
+ * @copydetails ARIA192_EncryptBlock
  */
 ZEL_API void ARIA192_DecryptBlock(void *block, const void *round_keys);
 
@@ -86,9 +82,7 @@ ZEL_API void ARIA256_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of ARIA with a 256-bit key (KS X 1213, RFC 5794) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `ARIA256_MakeRoundKey`
+ * @copydetails ARIA256_EncryptBlock
  */
 ZEL_API void ARIA256_DecryptBlock(void *block, const void *round_keys);
 
@@ -112,9 +106,7 @@ ZEL_API void SEED_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of SEED (TTAS.KO-12.0004, RFC 4269) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `SEED_MakeRoundKey`
+ * @copydetails SEED_EncryptBlock
  */
 ZEL_API void SEED_DecryptBlock(void *block, const void *round_keys);
 
@@ -142,9 +134,7 @@ ZEL_API void RIJNDAEL_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of AES with a 128-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL_MakeRoundKey`
+ * @copydetails RIJNDAEL_EncryptBlock
  */
 ZEL_API void RIJNDAEL_DecryptBlock(void *block, const void *round_keys);
 
@@ -172,9 +162,7 @@ ZEL_API void RIJNDAEL256_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of AES with a 256-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL256_MakeRoundKey`
+ * @copydetails RIJNDAEL256_EncryptBlock
  */
 ZEL_API void RIJNDAEL256_DecryptBlock(void *block, const void *round_keys);
 
@@ -202,9 +190,7 @@ ZEL_API void RIJNDAEL_EncryptBlock_AESNI(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of AES with a 128-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL_MakeRoundKey_AESNI`
+ * @copydetails RIJNDAEL_EncryptBlock_AESNI
  */
 ZEL_API void RIJNDAEL_DecryptBlock_AESNI(void *block, const void *round_keys);
 
@@ -234,9 +220,7 @@ ZEL_API void RIJNDAEL256_EncryptBlock_AESNI(void *block, const void *round_keys)
 
 /**
  * Deciphers one block of AES with a 256-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL256_MakeRoundKey_AESNI`
+ * @copydetails RIJNDAEL256_EncryptBlock_AESNI
  */
 ZEL_API void RIJNDAEL256_DecryptBlock_AESNI(void *block, const void *round_keys);
 
@@ -274,9 +258,7 @@ ZEL_API void DES_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of DES (FIPS 46-3) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `DES_MakeRoundKey`
+ * @copydetails DES_EncryptBlock
  */
 ZEL_API void DES_DecryptBlock(void *block, const void *round_keys);
 
@@ -304,9 +286,7 @@ ZEL_API void TDES_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of triple DES in the order encrypt, decrypt, encrypt (SP 800-67) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `TDES_MakeRoundKey`
+ * @copydetails TDES_EncryptBlock
  */
 ZEL_API void TDES_DecryptBlock(void *block, const void *round_keys);
 
@@ -331,9 +311,7 @@ ZEL_API void BLOWFISH_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of Blowfish (Schneier, 1993) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `BLOWFISH_MakeRoundKey`
+ * @copydetails BLOWFISH_EncryptBlock
  */
 ZEL_API void BLOWFISH_DecryptBlock(void *block, const void *round_keys);
 
@@ -358,9 +336,7 @@ ZEL_API void CAST128_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of CAST-128 with a 128-bit key (RFC 2144) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `CAST128_MakeRoundKey`
+ * @copydetails CAST128_EncryptBlock
  */
 ZEL_API void CAST128_DecryptBlock(void *block, const void *round_keys);
 
@@ -385,9 +361,7 @@ ZEL_API void IDEA_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of IDEA in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `IDEA_MakeRoundKey`
+ * @copydetails IDEA_EncryptBlock
  */
 ZEL_API void IDEA_DecryptBlock(void *block, const void *round_keys);
 
@@ -413,9 +387,7 @@ ZEL_API void RC2_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of RC2 (RFC 2268) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `RC2_MakeRoundKey`
+ * @copydetails RC2_EncryptBlock
  */
 ZEL_API void RC2_DecryptBlock(void *block, const void *round_keys);
 
@@ -440,9 +412,7 @@ ZEL_API void RC5_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of RC5-32/12 (RFC 2040) in place.
- *
- * @param[in,out] block       [8] bytes
- * @param[in]     round_keys  from `RC5_MakeRoundKey`
+ * @copydetails RC5_EncryptBlock
  */
 ZEL_API void RC5_DecryptBlock(void *block, const void *round_keys);
 
@@ -467,9 +437,7 @@ ZEL_API void TAVO_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of `tavo` in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `TAVO_MakeRoundKey`
+ * @copydetails TAVO_EncryptBlock
  */
 ZEL_API void TAVO_DecryptBlock(void *block, const void *round_keys);
 
@@ -494,9 +462,7 @@ ZEL_API void TAVOOLD_EncryptBlock(void *block, const void *round_keys);
 
 /**
  * Deciphers one block of `tavoold` in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `TAVOOLD_MakeRoundKey`
+ * @copydetails TAVOOLD_EncryptBlock
  */
 ZEL_API void TAVOOLD_DecryptBlock(void *block, const void *round_keys);
 
