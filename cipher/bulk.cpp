@@ -46,6 +46,8 @@ constinit const Row kRows[] = {
     {RC5_EncryptBlock, needs(), false, &rc5_interleaved},
     {TAVO_EncryptBlock, needs(), false, &tavo_interleaved},
     {TAVOOLD_EncryptBlock, needs(), false, &tavoold_interleaved},
+    {TAVO_EncryptBlock, needs(), false, &tavo_interleaved},
+    {TAVOOLD_EncryptBlock, needs(), false, &tavoold_interleaved},
 };
 
 /// Key stream and saved ciphertext of the fallbacks: a whole number of work units of every routine.

@@ -7,6 +7,7 @@
 #include "base/wipe.hpp"
 #include "cipher/algorithms.hpp"
 #include "cipher/interleave.hpp"
+#include "cipher/mul65537.hpp"
 #include "core/gate.hpp"
 
 namespace zel {
@@ -16,21 +17,11 @@ using Word = std::uint16_t;
 
 inline Word add(unsigned a, unsigned b) noexcept { return static_cast<Word>(a + b); }
 
-/// Product modulo 65537, where 0 stands for 65536. 2^16 = -1 makes the product of two words
-/// low - high, and 0 * b = -b.
-inline Word mul(Word a, Word b) noexcept {
-  const std::uint32_t product = std::uint32_t{a} * b;
-  const auto low = static_cast<Word>(product);
-  const auto high = static_cast<Word>(product >> 16);
-  const auto difference = static_cast<Word>(low - high + (low < high));
-  return product != 0 ? difference : static_cast<Word>(1U - a - b);
-}
-
 /// The inverse modulo 65537: the power 65535, as the group has 65536 elements.
 inline Word mul_inverse(Word a) noexcept {
   Word power = a;
   for (int bit = 1; bit < 16; ++bit)
-    power = mul(mul(power, power), a);
+    power = mul65537(mul65537(power, power), a);
   return power;
 }
 
@@ -48,12 +39,12 @@ struct Kernel {
     for (std::size_t round = 0; round < kIdeaRounds; ++round) {
       const std::size_t k = 6 * round;
       bulk::each<N>([&](auto i) {
-        const Word a = mul(w[0][i], key(k));
+        const Word a = mul65537(w[0][i], key(k));
         const Word b = add(w[1][i], key(k + 1));
         const Word c = add(w[2][i], key(k + 2));
-        const Word d = mul(w[3][i], key(k + 3));
-        const Word s = mul(a ^ c, key(k + 4));
-        const Word t = mul(add(s, b ^ d), key(k + 5));
+        const Word d = mul65537(w[3][i], key(k + 3));
+        const Word s = mul65537(a ^ c, key(k + 4));
+        const Word t = mul65537(add(s, b ^ d), key(k + 5));
         const Word u = add(s, t);
         w[0][i] = a ^ t;
         w[1][i] = c ^ t;
@@ -63,10 +54,10 @@ struct Kernel {
     }
     constexpr std::size_t k = 6 * kIdeaRounds;
     bulk::each<N>([&](auto i) {
-      store_be(out + 8 * i, mul(w[0][i], key(k)));
+      store_be(out + 8 * i, mul65537(w[0][i], key(k)));
       store_be(out + 8 * i + 2, add(w[2][i], key(k + 1)));
       store_be(out + 8 * i + 4, add(w[1][i], key(k + 2)));
-      store_be(out + 8 * i + 6, mul(w[3][i], key(k + 3)));
+      store_be(out + 8 * i + 6, mul65537(w[3][i], key(k + 3)));
     });
   }
 
