@@ -27,12 +27,16 @@ struct Row {
 
 /// The best comes first among the rows of one cipher.
 constinit const Row kRows[] = {
+    {RIJNDAEL_EncryptBlock, needs(kAesni, kVaes), false, &rijndael128_vaes},
     {RIJNDAEL_EncryptBlock, needs(kAesni), false, &rijndael128_aesni},
     {RIJNDAEL_EncryptBlock, needs(), false, &rijndael128_sliced},
+    {RIJNDAEL256_EncryptBlock, needs(kAesni, kVaes), false, &rijndael256_vaes},
     {RIJNDAEL256_EncryptBlock, needs(kAesni), false, &rijndael256_aesni},
     {RIJNDAEL256_EncryptBlock, needs(), false, &rijndael256_sliced},
 #ifdef ZEL_CC_AESNI
+    {RIJNDAEL_EncryptBlock_AESNI, needs(kAesni, kVaes), false, &rijndael128_vaes},
     {RIJNDAEL_EncryptBlock_AESNI, needs(kAesni), false, &rijndael128_aesni},
+    {RIJNDAEL256_EncryptBlock_AESNI, needs(kAesni, kVaes), false, &rijndael256_vaes},
     {RIJNDAEL256_EncryptBlock_AESNI, needs(kAesni), false, &rijndael256_aesni},
 #endif
     {DES_EncryptBlock, needs(), false, &des_interleaved},
@@ -44,8 +48,6 @@ constinit const Row kRows[] = {
     {RC2_EncryptBlock, needs(), false, &rc2_interleaved},
     {RC5_EncryptBlock, needs(kAvx2), false, &rc5_avx2},
     {RC5_EncryptBlock, needs(), false, &rc5_interleaved},
-    {TAVO_EncryptBlock, needs(), false, &tavo_interleaved},
-    {TAVOOLD_EncryptBlock, needs(), false, &tavoold_interleaved},
     {TAVO_EncryptBlock, needs(), false, &tavo_interleaved},
     {TAVOOLD_EncryptBlock, needs(), false, &tavoold_interleaved},
 };

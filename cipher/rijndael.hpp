@@ -10,6 +10,7 @@
 
 #include "base/bytes.hpp"
 #include "base/wipe.hpp"
+#include "cipher/bulk.hpp"
 
 namespace zel::aes {
 
@@ -65,6 +66,12 @@ struct Engine {
 
 /// Through the AES instructions.
 extern const Engine aesni128, aesni256;
+/// Their chains, for the wider routines, which cannot do better.
+void serial128_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                     const void *schedule, std::uint8_t *chain) noexcept;
+void serial256_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                     const void *schedule, std::uint8_t *chain) noexcept;
+
 /// In bit slices: 64-bit logic alone, no table and no branch on data.
 extern const Engine sliced128, sliced256;
 

@@ -124,6 +124,16 @@ constexpr bulk::Ops ops() noexcept {
 
 }  // namespace
 
+void serial128_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                     const void *schedule, std::uint8_t *chain) noexcept {
+  serial<Aes128>(kind, out, in, count, schedule, chain);
+}
+
+void serial256_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                     const void *schedule, std::uint8_t *chain) noexcept {
+  serial<Aes256>(kind, out, in, count, schedule, chain);
+}
+
 const Engine aesni128{expand<Aes128, Unit>, encrypt_block<Aes128>, decrypt_block<Aes128>};
 const Engine aesni256{expand<Aes256, Unit>, encrypt_block<Aes256>, decrypt_block<Aes256>};
 

@@ -84,7 +84,7 @@ const Rows<Arena> kRows{
     {"BCIPHER_Decrypt", not_approved(code()), [](Arena &a) { return a.operate(BCIPHER_Decrypt, a.aes_context, a.aes_key); }},
     // No gate of its own: the generator refuses, and that is a failure of the module.
     {"BCIPHER_GenKey", gives({-1, -1, -1, 0, 0, 0, 0, -1}), [](Arena &a) { return BCIPHER_GenKey(a.out, 16); }},
-    {"BCIPHER_GenKey", gives({-98, -98, -98, 1, 2, 3, 4, -98}), [](Arena &a) { BCIPHER_GenKey(a.out, 16); return KZEL_CC_GetState(); }},
+    {"BCIPHER_GenKey", gives({-98, -98, -98, 1, 0, 3, 4, -98}), [](Arena &a) { BCIPHER_GenKey(a.out, 16); return KZEL_CC_GetState(); }},
     {"BCIPHER_EncryptCTR", ungated(), [](Arena &a) { return BCIPHER_EncryptCTR(a.in, 32, a.aria_key->round_keys, a.chain, 16, ARIA_EncryptBlock); }},
     {"BCIPHER_EncryptOFB", ungated(), [](Arena &a) { return BCIPHER_EncryptOFB(a.in, 32, a.aria_key->round_keys, a.chain, 16, ARIA_EncryptBlock); }},
     {"BCIPHER_EncryptOFB_BYTE", ungated(), [](Arena &a) { return BCIPHER_EncryptOFB_BYTE(a.in, 32, a.aria_key->round_keys, a.chain, 16, ARIA_EncryptBlock); }},

@@ -1,0 +1,76 @@
+// The same through Botan: block ciphers directly for ECB, its mode and stream objects for the rest.
+#include <botan/block_cipher.h>
+#include <botan/cipher_mode.h>
+#include <botan/stream_cipher.h>
+
+#include <memory>
+
+#include "bench/bench.hpp"
+#include "bench/bench_cipher.hpp"
+
+namespace zel::bench {
+namespace {
+
+std::vector<std::uint8_t> key_bytes(std::uint32_t len) { return message(len); }
+
+void add(const CipherNames &cipher, const ModeNames &mode) {
+  const Name name{kCipherGroup, std::string(cipher.name) + '-' + mode.name,
+                  std::to_string(kCipherSize), "botan"};
+  if (mode.mode == ZEL_MODE_ECB) {
+    const std::shared_ptr<Botan::BlockCipher> block = Botan::BlockCipher::create(cipher.botan);
+    if (block == nullptr) return;
+    block->set_key(key_bytes(cipher.key_len));
+    throughput(name, kCipherSize,
+               [block, decrypt = mode.decrypt, in = message(kCipherSize),
+                out = message(kCipherSize)]() mutable {
+                 const std::size_t count = kCipherSize / block->block_size();
+                 if (decrypt) {
+                   block->decrypt_n(in.data(), out.data(), count);
+                 } else {
+                   block->encrypt_n(in.data(), out.data(), count);
+                 }
+               });
+    return;
+  }
+  const std::vector<std::uint8_t> iv = message(cipher.descriptor->block_len);
+  if (mode.mode == ZEL_MODE_CTR) {
+    const std::shared_ptr<Botan::StreamCipher> stream =
+        Botan::StreamCipher::create("CTR-BE(" + std::string(cipher.botan) + ")");
+    if (stream == nullptr) return;
+    stream->set_key(key_bytes(cipher.key_len));
+    stream->set_iv(iv.data(), iv.size());
+    throughput(name, kCipherSize,
+               [stream, in = message(kCipherSize), out = message(kCipherSize)]() mutable {
+                 stream->cipher(in.data(), out.data(), kCipherSize);
+               });
+    return;
+  }
+  const std::shared_ptr<Botan::Cipher_Mode> object =
+      Botan::Cipher_Mode::create(std::string(cipher.botan) + "/CBC/NoPadding",
+                                 mode.decrypt ? Botan::DECRYPTION : Botan::ENCRYPTION);
+  if (object == nullptr) return;
+  object->set_key(key_bytes(cipher.key_len));
+  object->start(iv);
+  // It works in place alone.
+  throughput(name, kCipherSize, [object, data = message(kCipherSize)]() mutable {
+    object->process(data.data(), kCipherSize);
+  });
+}
+
+const Registration kCipher([] {
+  for (const CipherNames &cipher : kCiphers) {
+    if (cipher.botan == nullptr) continue;
+    for (const ModeNames &mode : kModes)
+      add(cipher, mode);
+  }
+  const std::shared_ptr<Botan::StreamCipher> rc4 = Botan::StreamCipher::create("RC4");
+  if (rc4 == nullptr) return;
+  rc4->set_key(key_bytes(16));
+  throughput({kCipherGroup, "rc4", std::to_string(kCipherSize), "botan"}, kCipherSize,
+             [rc4, in = message(kCipherSize), out = message(kCipherSize)]() mutable {
+               rc4->cipher(in.data(), out.data(), kCipherSize);
+             });
+});
+
+}  // namespace
+}  // namespace zel::bench
