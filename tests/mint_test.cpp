@@ -20,8 +20,8 @@ extern "C" int rand() noexcept {
   ++g_draws;
   return 0x12345678;
 }
-extern "C" void srand(unsigned seed) noexcept {
-  g_seed = seed;
+extern "C" void srand(unsigned start) noexcept {
+  g_seed = start;
   ++g_seeds;
 }
 

@@ -21,7 +21,7 @@ extern "C" int rand() noexcept {
   g_script.pop_front();
   return next;
 }
-extern "C" void srand(unsigned seed) noexcept { g_seeds.push_back(seed); }
+extern "C" void srand(unsigned start) noexcept { g_seeds.push_back(start); }
 
 namespace {
 
