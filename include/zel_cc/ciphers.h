@@ -182,9 +182,7 @@ ZEL_API int32_t RIJNDAEL_MakeRoundKey_AESNI(void *round_keys, const uint8_t *key
 
 /**
  * Enciphers one block of AES with a 128-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL_MakeRoundKey_AESNI`
+ * @copydetails RIJNDAEL_EncryptBlock
  */
 ZEL_API void RIJNDAEL_EncryptBlock_AESNI(void *block, const void *round_keys);
 
@@ -212,9 +210,7 @@ ZEL_API int32_t RIJNDAEL256_MakeRoundKey_AESNI(void *round_keys, const uint8_t *
 
 /**
  * Enciphers one block of AES with a 256-bit key (FIPS 197) in place.
- *
- * @param[in,out] block       [16] bytes
- * @param[in]     round_keys  from `RIJNDAEL256_MakeRoundKey_AESNI`
+ * @copydetails RIJNDAEL256_EncryptBlock
  */
 ZEL_API void RIJNDAEL256_EncryptBlock_AESNI(void *block, const void *round_keys);
 
@@ -293,6 +289,9 @@ ZEL_API void TDES_DecryptBlock(void *block, const void *round_keys);
 /**
  * Expands the key of Blowfish (Schneier, 1993).
  *
+ * The key counts in words of 4 bytes, of which 18 are used: bytes behind the last whole word do not
+ * count, and fewer than 4 bytes give the schedule of a zero key.
+ *
  * @param[out] round_keys  [4168] bytes, at any alignment
  * @param[in]  key         [key_len] bytes
  * @param[in]  key_len     bytes
@@ -368,10 +367,13 @@ ZEL_API void IDEA_DecryptBlock(void *block, const void *round_keys);
 /**
  * Expands the key of RC2 (RFC 2268).
  *
+ * The length argument packs two numbers: the low 16 bits are the key length in bytes, where 0 and
+ * more than 128 mean 128; the high 16 bits are the effective key length in bits, where 0 means 8
+ * times the key length and more than 1024 means 1024.
+ *
  * @param[out] round_keys  [128] bytes, at any alignment
- * @param[in]  key         key bytes
- * @param[in]  key_len     low 16 bits: key bytes, 0 for 128; high 16 bits: effective key bits, 0
- * for all
+ * @param[in]  key         [key length] bytes, 128 at most
+ * @param[in]  key_len     key length and effective key length
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_APPROVED verified service; nothing touched
  */
@@ -394,10 +396,14 @@ ZEL_API void RC2_DecryptBlock(void *block, const void *round_keys);
 /**
  * Expands the key of RC5-32/12 (RFC 2040).
  *
+ * An empty key is a zero word. Keys of more than 256 bytes, which the standard does not have, take
+ * memory of their length.
+ *
  * @param[out] round_keys  [104] bytes, at any alignment
  * @param[in]  key         [key_len] bytes
- * @param[in]  key_len     bytes
+ * @param[in]  key_len     bytes, any number
  * @retval ZEL_OK           done
+ * @retval ZEL_ERR_GENERIC  no memory for a long key; nothing touched
  * @retval ZEL_ERR_APPROVED verified service; nothing touched
  */
 ZEL_API int32_t RC5_MakeRoundKey(void *round_keys, const uint8_t *key, uint32_t key_len);
@@ -417,7 +423,7 @@ ZEL_API void RC5_EncryptBlock(void *block, const void *round_keys);
 ZEL_API void RC5_DecryptBlock(void *block, const void *round_keys);
 
 /**
- * Expands the key of `tavo`.
+ * Expands the key of `tavo`, this library's own and unreviewed cipher (docs/tavo.md).
  *
  * @param[out] round_keys  [256] bytes, at any alignment
  * @param[in]  key         [16] bytes
@@ -442,7 +448,7 @@ ZEL_API void TAVO_EncryptBlock(void *block, const void *round_keys);
 ZEL_API void TAVO_DecryptBlock(void *block, const void *round_keys);
 
 /**
- * Expands the key of `tavoold`.
+ * Expands the key of `tavoold`, the older form of `tavo` (docs/tavo.md).
  *
  * @param[out] round_keys  [256] bytes, at any alignment
  * @param[in]  key         [16] bytes
@@ -469,20 +475,23 @@ ZEL_API void TAVOOLD_DecryptBlock(void *block, const void *round_keys);
 /**
  * Pads a final message of `tavoold`: 1 to 16 bytes that each hold `len` mod 16.
  *
+ * Nothing is padded where 32 bits cannot hold the padded length.
+ *
  * @param[out] out  [len + 16] bytes; may equal `in`
  * @param[in]  in   [len] bytes
  * @param[in]  len  bytes
- * @return the padded length
+ * @return the padded length; 0 in the verified service, nothing touched
  */
 ZEL_API uint32_t TAVOOLD_AddPadding(uint8_t *out, const uint8_t *in, uint32_t len);
 
 /**
- * Undoes `TAVOOLD_AddPadding`.
+ * Undoes `TAVOOLD_AddPadding`: `len` - 16 + the last byte, which is not checked.
  *
  * @param[out] out  [len] bytes; may equal `in`
  * @param[in]  in   [len] bytes
  * @param[in]  len  bytes
- * @return the length without padding
+ * @return the length without padding, never more than `len`; 0 for fewer than 16 bytes, and in the
+ * verified service, nothing touched
  */
 ZEL_API uint32_t TAVOOLD_RemovePadding(uint8_t *out, const uint8_t *in, uint32_t len);
 
