@@ -93,8 +93,8 @@ const Rows<Arena> kRows{
     {"RC4_init", kInApproved, [](Arena &a) { RC4_init(&a.rc4, a.in + 1, 128); }},
     {"RC4_crypt", kInApproved, [](Arena &a) { RC4_crypt(a.out, a.in, 32, &a.rc4); }},
     {"RC4_crypt_core", kInApproved, [](Arena &a) { RC4_crypt_core(a.out, 32, &a.rc4); }},
-    {"TAVOOLD_AddPadding", ungated(), [](Arena &a) { return TAVOOLD_AddPadding(a.out, a.in, 32); }},
-    {"TAVOOLD_RemovePadding", ungated(), [](Arena &a) { return TAVOOLD_RemovePadding(a.out, a.in, 32); }},
+    {"TAVOOLD_AddPadding", kInApproved, [](Arena &a) { return TAVOOLD_AddPadding(a.out, a.in, 32); }},
+    {"TAVOOLD_RemovePadding", kInApproved, [](Arena &a) { return TAVOOLD_RemovePadding(a.out, a.in, 32); }},
     {"Check_CPU_support_AES", ungated(), [](Arena &) { return Check_CPU_support_AES(); }},
 };
 

@@ -53,13 +53,16 @@ def field_product(x, y):
     return product
 
 
-def field_inverse(x):
-    power = 1
-    for bit in range(15, -1, -1):  # the power 65534
-        power = field_product(power, power)
-        if 65534 >> bit & 1:
-            power = field_product(power, x)
-    return power
+def field_inverses():
+    """Every element but 0 is a power of x, and the inverse of power i is power 65535 - i."""
+    powers = [1]
+    while len(powers) < 65535:
+        powers.append(field_product(powers[-1], 2))
+    inverses = [0] * 65536
+    for i, power in enumerate(powers):
+        inverses[power] = powers[-i % 65535]
+    assert all(field_product(x, inverses[x]) == 1 for x in range(1, 65536, 257))
+    return inverses
 
 
 def affine(y):
@@ -71,7 +74,7 @@ def affine(y):
 
 
 def make_sbox():
-    return [affine(field_inverse(x)) for x in range(65536)]
+    return [affine(inverse) for inverse in field_inverses()]
 
 
 SBOX = make_sbox()
