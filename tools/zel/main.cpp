@@ -1,0 +1,13 @@
+// The zel command: what the library can do, for people and scripts.
+#include "tools/zel/program.hpp"
+
+int main(int argc, char **argv) {
+  using namespace zel::tool;
+  Commands commands;
+  commands.push_back(hash_command());
+  commands.push_back(mac_command());
+  commands.push_back(info_command());
+  commands.push_back(completion_command(commands));
+  commands.push_back(manual_command(commands));
+  return run_program(commands, argc, argv);
+}

@@ -1,0 +1,89 @@
+#include "tools/zel/session.hpp"
+
+#include <array>
+
+#include "tools/zel/console.hpp"
+#include "zel_cc/state.h"
+
+namespace zel::tool {
+namespace {
+
+/// From harmless to grave: a digest that does not match outweighs a file that cannot be read.
+std::size_t gravity(Exit exit) {
+  constexpr std::array kOrder{Exit::kDone,     Exit::kMalformed, Exit::kFile,
+                              Exit::kUsage,    Exit::kState,     Exit::kVerification,
+                              Exit::kSelfTest, Exit::kEntropy,   Exit::kInternal};
+  std::size_t place = 0;
+  while (place + 1 < kOrder.size() && kOrder[place] != exit)
+    ++place;
+  return place;
+}
+
+}  // namespace
+
+Session::Session(std::string command, const SharedFlags &flags)
+    : command_(std::move(command)), flags_(flags) {}
+
+void Session::choose_service() {
+  const int state = KZEL_CC_SetStateVerifiedService();
+  if (state != ZEL_STATE_VERIFIED) throw library_failure("approved service", state);
+  if (!flags_.legacy) return;
+  const int opened = KZEL_CC_SetStateNotVerifiedService();
+  if (opened != ZEL_STATE_NOT_VERIFIED) throw library_failure("--legacy", opened);
+  warn("--legacy opens algorithms that are not approved");
+}
+
+void Session::note(std::string_view text) {
+  if (flags_.verbose) console::line("zel " + command_ + ": " + std::string(text));
+}
+
+void Session::warn(std::string_view text) {
+  if (!flags_.quiet) console::line("zel " + command_ + ": warning: " + std::string(text));
+}
+
+void Session::complain(const Failure &cause) {
+  console::line("zel " + command_ + ": " + cause.line());
+  ends(cause.exit());
+  if (flags_.json) result_["errors"].push_back(cause.line());
+}
+
+void Session::ends(Exit exit) noexcept {
+  if (gravity(exit) > gravity(exit_)) exit_ = exit;
+}
+
+std::unique_ptr<Progress> Session::progress(std::string task, std::optional<std::uint64_t> total,
+                                            Unit unit) {
+  const bool silent = flags_.quiet && progress_mode_ == ProgressMode::kAuto;
+  return std::make_unique<Progress>(silent ? ProgressMode::kNever : progress_mode_, std::move(task),
+                                    total, unit);
+}
+
+Output &Session::open_output(mode_t mode) {
+  output_ = std::make_unique<Output>(output(), flags_.force, mode);
+  return *output_;
+}
+
+void Session::print(std::string_view text) {
+  if (!output_) open_output();
+  if (output_->is_standard_output() && flags_.json) return;
+  output_->write(text);
+  if (!output_->is_standard_output()) return;
+  if (output_->is_terminal()) console::make_room();
+  output_->flush();
+}
+
+void Session::close() {
+  // An output that is a file is only put in place by a run that did all it was asked to.
+  const bool complete = exit_ == Exit::kDone || exit_ == Exit::kVerification;
+  if (output_ && complete) output_->commit();
+  if (output_ && !complete && output_->is_standard_output()) output_->flush();
+  output_.reset();
+  if (!flags_.json) return;
+  Json object = {{"command", command_}, {"exit", static_cast<int>(exit_)}};
+  object.update(result_);
+  Output standard("-", false);
+  standard.write(to_text(object) + "\n");
+  standard.commit();
+}
+
+}  // namespace zel::tool
