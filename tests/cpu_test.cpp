@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "tests/support/features.hpp"
+#include "tests/support/instructions.hpp"
 #include "zel_cc.h"
 
 namespace zel::test {
@@ -19,6 +20,7 @@ TEST(Cpu, IsAskedOnFirstUseAndOnce) {
   EXPECT_NE(answer & cpu::kAsked, 0U);
   cpu::g_features.store(cpu::kAsked);
   EXPECT_FALSE(cpu::has(cpu::Feature::kAvx2)) << "the remembered answer was not used";
+  cpu::ask();
 }
 
 TEST(Cpu, AgreesWithTheCompilersOwnQuestion) {
@@ -41,6 +43,37 @@ TEST(Cpu, MasksTakeSingleFeaturesAwayAndGiveThemBack) {
   EXPECT_EQ(cpu::g_features.load(), real);
   const FeatureMask everything(~0U);
   EXPECT_EQ(cpu::g_features.load(), real) << "a mask cannot add a feature";
+}
+
+/// Features whose instructions hash a message of a few blocks; each instruction takes microseconds.
+std::uint32_t used_by(const HASH_ALGORITHM &algorithm) {
+  static const std::uint8_t message[256] = {};
+  std::uint8_t digest[ZEL_MAX_DIGEST_LEN];
+  std::uint32_t len = 0;
+  HASH_CONTEXT context;
+  const InstructionWatch watch;
+  HASH_Initialize(&context, &algorithm);
+  HASH_Update(&context, message, algorithm.digest_len == 64 ? sizeof message : 64);
+  HASH_Finalize(digest, &len, &context);
+  return watch.seen();
+}
+
+// A mask that the code does not heed would make every test of a plain path a test of a fast one.
+TEST(Cpu, MaskedInstructionsAreNotExecuted) {
+  const std::uint32_t real = cpu::ask();
+  std::uint32_t ever = 0;
+  for (const FeatureSet &set : feature_sets()) {
+    SCOPED_TRACE(set.name);
+    const FeatureMask mask(set.mask);
+    for (const HASH_ALGORITHM *algorithm : {&popsha1, &sha256, &sha512}) {
+      const std::uint32_t used = used_by(*algorithm);
+      EXPECT_EQ(used & ~set.mask, 0U) << "digest of " << algorithm->digest_len << " bytes";
+      ever |= used;
+    }
+  }
+  for (const cpu::Feature feature : {cpu::Feature::kSha, cpu::Feature::kBmi2})
+    EXPECT_EQ(ever & static_cast<std::uint32_t>(feature),
+              real & static_cast<std::uint32_t>(feature));
 }
 
 }  // namespace
