@@ -60,6 +60,8 @@ using Commands = std::vector<Command>;
 
 Command hash_command();
 Command mac_command();
+Command rand_command();
+Command prime_command();
 Command info_command();
 /// These two describe the other commands.
 Command completion_command(const Commands &commands);

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "base/wipe.hpp"
 #include "tools/zel/failure.hpp"
 
 namespace zel::tool {
@@ -137,6 +138,7 @@ std::string read_whole(Input &input, const std::string &path, std::size_t limit)
 
 Output::Output(const std::string &path, bool force, mode_t mode)
     : path_(path), target_(path), force_(force), number_(STDOUT_FILENO) {
+  pending_.reserve(kPendingLimit);  // growing would leave copies of it
   if (is_standard_output()) return;
   struct stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
@@ -167,6 +169,7 @@ void Output::open_temporary(mode_t mode) {
 }
 
 Output::~Output() {
+  wipe(pending_.data(), pending_.size());
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
@@ -185,8 +188,10 @@ void Output::write(std::span<const std::uint8_t> bytes) {
 
 void Output::flush() {
   const bool done = write_all(number_, pending_.data(), pending_.size());
+  const int error_number = errno;
+  wipe(pending_.data(), pending_.size());  // it may have been a key
   pending_.clear();
-  if (!done) fail(errno);
+  if (!done) fail(error_number);
 }
 
 void Output::commit() {

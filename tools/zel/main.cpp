@@ -6,6 +6,8 @@ int main(int argc, char **argv) {
   Commands commands;
   commands.push_back(hash_command());
   commands.push_back(mac_command());
+  commands.push_back(rand_command());
+  commands.push_back(prime_command());
   commands.push_back(info_command());
   commands.push_back(completion_command(commands));
   commands.push_back(manual_command(commands));

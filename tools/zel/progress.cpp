@@ -48,14 +48,15 @@ std::string bytes_text(double bytes) {
   return number(bytes / scale.divisor) + " " + scale.name;
 }
 
-/// "1.2/1.9 GiB", "1.2 GiB", "317 candidates".
+/// "1.2/1.9 GiB", "1.2 GiB", "3/10 primes".
 std::string amount_text(const Moment &moment) {
   const auto done = static_cast<double>(moment.done);
-  if (moment.unit == Unit::kCandidates) return number(done) + " candidates";
-  if (!moment.total) return bytes_text(done);
-  const Scale scale = scale_for(static_cast<double>(*moment.total));
-  return number(done / scale.divisor) + "/" +
-         number(static_cast<double>(*moment.total) / scale.divisor) + " " + scale.name;
+  const Scale scale = moment.unit == Unit::kPrimes
+                          ? Scale{1, "primes"}
+                          : scale_for(static_cast<double>(moment.total.value_or(moment.done)));
+  std::string text = number(done / scale.divisor);
+  if (moment.total) text += "/" + number(static_cast<double>(*moment.total) / scale.divisor);
+  return text + " " + scale.name;
 }
 
 std::string duration_text(double seconds) {
@@ -127,7 +128,7 @@ std::string Progress::summary() const {
   const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
   const auto done = static_cast<double>(done_.load());
   const std::string time = " in " + number(seconds) + " s";
-  if (unit_ == Unit::kCandidates) return amount_text({task_, unit_, done_, {}, 0, 0}) + time;
+  if (unit_ == Unit::kPrimes) return amount_text({task_, unit_, done_, {}, 0, 0}) + time;
   return bytes_text(done) + time + ", " + bytes_text(done / seconds) + "/s";
 }
 
@@ -150,7 +151,7 @@ void Progress::show(const char *event) {
   }
   Json line = {{"event", event}, {"task", task_}, {"done", moment.done}};
   line["total"] = total_ ? Json(*total_) : Json(nullptr);
-  line["unit"] = unit_ == Unit::kBytes ? "bytes" : "candidates";
+  line["unit"] = unit_ == Unit::kBytes ? "bytes" : "primes";
   line["seconds"] = moment.seconds;
   if (moment.rate > 0) line["rate"] = moment.rate;
   console::line(to_text(line));

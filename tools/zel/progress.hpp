@@ -21,7 +21,7 @@ enum class ProgressMode {
 };
 
 /// What is counted.
-enum class Unit { kBytes, kCandidates };
+enum class Unit { kBytes, kPrimes };
 
 /// One moment of a task.
 struct Moment {
