@@ -1,4 +1,4 @@
-// SHA-2 on independent messages side by side: one block into each of many chaining states.
+// SHA-2 on independent messages side by side.
 #pragma once
 
 #include <array>
@@ -7,11 +7,11 @@
 
 namespace zel::hash {
 
-// Both alike: states[i] takes the i-th block of `blocks`; the same as `count` calls of the block
-// slot. Wipe the states where they are secret.
-void sha256_lanes(std::array<std::uint32_t, 8> *states, const std::uint8_t *blocks,
-                  std::size_t count) noexcept;
-void sha512_lanes(std::array<std::uint64_t, 8> *states, const std::uint8_t *blocks,
-                  std::size_t count) noexcept;
+// Both alike: the i-th digest is `initial` after it has absorbed the i-th of `count` blocks, all
+// eight words of it, most significant byte first. The digests must not overlap the blocks.
+void sha256_lanes(std::uint8_t *digests, const std::array<std::uint32_t, 8> &initial,
+                  const std::uint8_t *blocks, std::size_t count) noexcept;
+void sha512_lanes(std::uint8_t *digests, const std::array<std::uint64_t, 8> &initial,
+                  const std::uint8_t *blocks, std::size_t count) noexcept;
 
 }  // namespace zel::hash
