@@ -1,0 +1,371 @@
+// The entropy collector on a system that the test makes up: the linker sends every system call of
+// the library here (--wrap). CTest runs each test in a process of its own.
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/utsname.h>
+#include <time.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <deque>
+
+#include "tests/support/vectors.hpp"
+#include "zel_cc.h"
+
+namespace {
+
+using namespace zel::test;
+
+/// What one call of fread does: bytes that it brings, or an error.
+struct Read {
+  std::size_t bytes;
+  int error = 0;
+};
+
+/// The made-up system. The device gives 1, 2, 3, ...
+struct System {
+  bool device = true;
+  std::deque<Read> reads;
+  bool for_ever = false;  ///< repeats the last read
+  int reads_made = 0, opened = 0, closed = 0;
+  bool no_memory = false;
+  std::vector<std::size_t> allocated;
+  std::uint8_t next = 1;
+} g_system;
+alignas(16) char g_heap[256];
+bool g_made_up = false;  ///< off while the test framework itself works
+
+FILE *stream() {
+  static char token;
+  return reinterpret_cast<FILE *>(&token);
+}
+
+}  // namespace
+
+// NOLINTBEGIN: names and types are the linker's and libc's
+extern "C" {
+void *__real_malloc(size_t len);
+void __real_free(void *block);
+FILE *__real_fopen(const char *path, const char *mode);
+size_t __real_fread(void *to, size_t size, size_t count, FILE *from);
+int __real_fclose(FILE *from);
+int __real_setvbuf(FILE *of, char *buffer, int mode, size_t size);
+void __real_clearerr(FILE *of);
+
+void *__wrap_malloc(size_t len) {
+  if (!g_made_up) return __real_malloc(len);
+  g_system.allocated.push_back(len);
+  return g_system.no_memory ? nullptr : g_heap;
+}
+void __wrap_free(void *block) {
+  if (block != g_heap) __real_free(block);
+}
+FILE *__wrap_fopen(const char *path, const char *mode) {
+  if (!g_made_up) return __real_fopen(path, mode);
+  EXPECT_STREQ(path, "/dev/urandom");
+  EXPECT_STREQ(mode, "r");
+  if (!g_system.device) return nullptr;
+  ++g_system.opened;
+  return stream();
+}
+size_t __wrap_fread(void *to, size_t size, size_t count, FILE *from) {
+  if (from != stream()) return __real_fread(to, size, count, from);
+  if (++g_system.reads_made > 10000) {
+    ADD_FAILURE() << "reads for ever";
+    abort();
+  }
+  Read read{size * count};
+  if (!g_system.reads.empty()) {
+    read = g_system.reads.front();
+    if (!g_system.for_ever) g_system.reads.pop_front();
+  }
+  EXPECT_LE(read.bytes, size * count);
+  auto *bytes = static_cast<std::uint8_t *>(to);
+  for (std::size_t i = 0; i < read.bytes; ++i)
+    bytes[i] = g_system.next++;
+  if (read.error != 0) errno = read.error;
+  return read.bytes;
+}
+int __wrap_fclose(FILE *from) {
+  if (from != stream()) return __real_fclose(from);
+  ++g_system.closed;
+  return 0;
+}
+int __wrap_setvbuf(FILE *of, char *buffer, int mode, size_t size) {
+  if (of != stream()) return __real_setvbuf(of, buffer, mode, size);
+  EXPECT_EQ(mode, _IONBF) << "device bytes would stay behind in a buffer of libc";
+  return 0;
+}
+void __wrap_clearerr(FILE *of) {
+  if (of != stream()) __real_clearerr(of);
+}
+time_t __wrap_time(time_t *) { return 0x1122334455667788; }
+pid_t __wrap_getpid() { return 0x01020304; }
+uid_t __wrap_getuid() { return 0xf1f2f3f4; }
+gid_t __wrap_getgid() { return 0x0a0b0c0d; }
+pid_t __wrap_getsid(pid_t of) {
+  EXPECT_EQ(of, 0);
+  return -1;
+}
+int __wrap_gettimeofday(struct timeval *now, void *) {
+  now->tv_sec = -1;
+  now->tv_usec = 0x000fedcb;
+  return 0;
+}
+int __wrap_stat(const char *path, struct stat *record) {
+  EXPECT_STREQ(path, "/");
+  std::memset(record, 0xa5, sizeof *record);
+  return 0;
+}
+int __wrap_gethostname(char *name, size_t len) {
+  EXPECT_EQ(len, 32U);
+  std::strncpy(name, "host.example", len);
+  return 0;
+}
+int __wrap_uname(struct utsname *record) {
+  std::memset(record, 0x5a, sizeof *record);
+  return 0;
+}
+}
+// NOLINTEND
+
+namespace {
+
+template <class Call>
+auto on_made_up_system(Call call) {
+  g_made_up = true;
+  const auto result = call();
+  g_made_up = false;
+  return result;
+}
+
+struct Collected {
+  Bytes bytes;
+  uint32_t len;
+  int32_t entropy;
+};
+
+Collected collect() {
+  Collected all{Bytes(ZEL_ENTROPY_LEN + 1, 0xcc), 0, 0};
+  EXPECT_EQ(on_made_up_system(
+                [&] { return RNGSEED_GetEntropyData(all.bytes.data(), &all.len, &all.entropy); }),
+            ZEL_OK);
+  return all;
+}
+
+std::string repeated(const std::string &hex, std::size_t count) {
+  std::string all;
+  while (count-- != 0)
+    all += hex;
+  return all;
+}
+
+/// The fields behind the device bytes, with the given word of the heap.
+std::string fields(const std::string &heap_word) {
+  return "8877665544332211"
+         "0403020100000000" +
+         heap_word +
+         "f4f3f2f100000000"
+         "0d0c0b0a00000000"
+         "ffffffffffffffff"
+         "cbed0f0000000000" +
+         repeated("a5", 144) + to_hex(from_text("host.example")) + repeated("00", 20) +
+         repeated("5a", 390);
+}
+
+Bytes device_bytes() {
+  Bytes bytes;
+  for (int i = 1; i <= 256; ++i)
+    bytes.push_back(static_cast<std::uint8_t>(i));
+  return bytes;
+}
+
+/// The word of the heap for the first two bytes of the buffer, after `counter` steps.
+std::string heap_word(uint32_t counter, std::uint8_t first, std::uint8_t second) {
+  const auto base = static_cast<uint32_t>(reinterpret_cast<std::uintptr_t>(g_heap));
+  const uint32_t one = base + 4 * (counter + first) % 256;
+  const uint32_t two = base + 4 * (counter + first + second) % 256;
+  const uint32_t word = (one << 16) ^ two;
+  Bytes bytes(4);
+  std::memcpy(bytes.data(), &word, 4);
+  return to_hex(bytes);
+}
+
+TEST(RngSeed, LaysOutEverySourceByteForByte) {
+  const Collected with = collect();
+  EXPECT_EQ(with.len, 874U);
+  EXPECT_EQ(with.entropy, 269);
+  EXPECT_EQ(to_hex(with.bytes), to_hex(device_bytes()) + fields(heap_word(0, 1, 2)) + "cc");
+  EXPECT_EQ(g_system.closed, 1);
+  EXPECT_EQ(g_system.allocated, (std::vector<std::size_t>{4, 12}));
+
+  g_system.device = false;
+  const Collected without = collect();
+  EXPECT_EQ(without.len, 618U);
+  EXPECT_EQ(without.entropy, 13);
+  EXPECT_EQ(to_hex(without.bytes), fields(heap_word(3, 0x88, 0x77)) + repeated("cc", 257));
+}
+
+TEST(RngSeed, GathersTheDeviceFromShortAndInterruptedReads) {
+  g_system.reads = {{100}, {0, EINTR}, {1}, {0, EINTR}, {0, EINTR}, {155}};
+  const Collected all = collect();
+  EXPECT_EQ(all.len, 874U);
+  EXPECT_EQ(to_hex(Bytes(all.bytes.begin(), all.bytes.begin() + 256)), to_hex(device_bytes()));
+}
+
+// Anything short of 256 bytes must not pass for the device.
+TEST(RngSeed, CountsAFailingDeviceAsUnavailable) {
+  for (const Read &last : {Read{0, 0}, Read{0, EIO}, Read{0, EINTR}}) {
+    g_system.reads = {{255}, last};
+    if (last.error == EINTR) {
+      g_system.reads = {last};
+      g_system.for_ever = true;
+    }
+    const Collected all = collect();
+    EXPECT_EQ(all.len, 618U);
+    EXPECT_EQ(all.entropy, 13);
+    EXPECT_EQ(to_hex(all.bytes).substr(0, 32), fields("").substr(0, 32));
+    EXPECT_EQ(to_hex(all.bytes).substr(40, 2 * 578), fields("").substr(32, 2 * 578));
+  }
+  EXPECT_EQ(g_system.opened, g_system.closed);
+}
+
+TEST(RngSeed, HeapAddressFollowsItsCounter) {
+  const auto base = static_cast<uint32_t>(reinterpret_cast<std::uintptr_t>(g_heap));
+  const auto ask = [](int32_t b) {
+    return on_made_up_system([b] { return RNGSEED_GetRandomMemoryAddr(b); });
+  };
+  EXPECT_EQ(ask(0), base);
+  EXPECT_EQ(ask(63), base + 252);
+  EXPECT_EQ(ask(1), base) << "four times 64 is 0 of a byte";
+  EXPECT_EQ(ask(255), base + 252) << "kept between calls";
+  EXPECT_EQ(ask(0x3ffffffe - 319), base + 248);
+  EXPECT_EQ(ask(0), base + 248) << "3ffffffe is not too much";
+  EXPECT_EQ(ask(1), base + 252);
+  EXPECT_EQ(ask(2), base + 8) << "3fffffff is, and the counter starts again";
+  EXPECT_EQ(g_system.allocated, (std::vector<std::size_t>{0, 252, 0, 252, 248, 248, 252, 8}));
+  g_system.no_memory = true;
+  EXPECT_EQ(ask(1), 12U) << "a number, never a pointer that is used";
+}
+
+/// The seed, by its definition, from what the collector gives.
+Bytes condensed(const HASH_ALGORITHM *hash, Bytes entropy, std::size_t len) {
+  Bytes out;
+  while (out.size() < len) {
+    if (!out.empty()) {
+      for (std::size_t i = 0; i < 80; ++i)
+        entropy[i] ^= entropy[80 - i];
+    }
+    HASH_CONTEXT context;
+    Bytes digest(ZEL_MAX_DIGEST_LEN);
+    uint32_t digest_len = 0;
+    HASH_Initialize(&context, hash);
+    HASH_Update(&context, entropy.data(), static_cast<uint32_t>(entropy.size()));
+    HASH_Finalize(digest.data(), &digest_len, &context);
+    out.insert(out.end(), digest.begin(), digest.begin() + digest_len);
+  }
+  out.resize(len);
+  return out;
+}
+
+TEST(RngSeed, CondensesTheEntropyToSeeds) {
+  uint32_t counter = 0;
+  for (const uint32_t bits : {0U, 1U, 8U, 223U, 224U, 440U, 512U, 1024U}) {
+    for (const HASH_ALGORITHM *hash : {&sha224, &pophas160}) {
+      const auto collected = hash == &sha224 ? RNGSEED_GetSeed : RNGSEED_GetSeedKey;
+      g_system.next = 1;
+      const Bytes entropy = from_hex(to_hex(device_bytes()) + fields(heap_word(counter, 1, 2)));
+      counter += 3;
+      const std::size_t len = (bits + 7) / 8;
+      Bytes out(len + 1, 0xcc);
+      uint32_t out_len = 99;
+      EXPECT_EQ(on_made_up_system([&] { return collected(out.data(), &out_len, bits); }), ZEL_OK);
+      EXPECT_EQ(out_len, len);
+      EXPECT_EQ(to_hex(out), to_hex(condensed(hash, entropy, len)) + "cc") << bits;
+    }
+  }
+}
+
+// No service needs memory, so none can fail half way for want of it.
+TEST(RngSeed, GeneratorsWorkWithoutMemory) {
+  g_system.no_memory = true;
+  Bytes one(1000), two(1000);
+  const auto fill = [](Bytes &out, int32_t (*service)(uint8_t *, uint32_t)) {
+    return on_made_up_system([&] { return service(out.data(), 8000); });
+  };
+  EXPECT_EQ(fill(one, HASHDRBG_GetRandNum), ZEL_OK);
+  EXPECT_EQ(fill(two, HMACDRBG_GetRandNum), ZEL_OK);
+  EXPECT_EQ(g_system.allocated.size(), 4U) << "the heap addresses, which may be null";
+}
+
+TEST(RngSeed, RefusesNullArguments) {
+  uint8_t bytes[ZEL_ENTROPY_LEN];
+  uint32_t len = 7;
+  int32_t entropy = 7;
+  EXPECT_EQ(RNGSEED_GetEntropyData(nullptr, &len, &entropy), ZEL_ERR_GENERIC);
+  EXPECT_EQ(RNGSEED_GetEntropyData(bytes, nullptr, &entropy), ZEL_ERR_GENERIC);
+  EXPECT_EQ(RNGSEED_GetEntropyData(bytes, &len, nullptr), ZEL_ERR_GENERIC);
+  EXPECT_EQ(RNGSEED_GetSeed(nullptr, &len, 8), ZEL_ERR_GENERIC);
+  EXPECT_EQ(RNGSEED_GetSeed(bytes, nullptr, 8), ZEL_ERR_GENERIC);
+  EXPECT_EQ(RNGSEED_GetSeedKey(nullptr, &len, 8), ZEL_ERR_GENERIC);
+  EXPECT_EQ(len, 7U);
+}
+
+/// A call on a stack of its own, which the test reads afterwards.
+struct OnOwnStack {
+  std::vector<std::uint8_t> stack = std::vector<std::uint8_t>(1 << 18);
+
+  void run(void (*body)()) {
+    ucontext_t here, there;
+    ASSERT_EQ(getcontext(&there), 0);
+    there.uc_stack.ss_sp = stack.data();
+    there.uc_stack.ss_size = stack.size();
+    there.uc_link = &here;
+    makecontext(&there, body, 0);
+    ASSERT_EQ(swapcontext(&here, &there), 0);
+  }
+  bool holds(const std::uint8_t *bytes, std::size_t len) const {
+    return std::search(stack.begin(), stack.end(), bytes, bytes + len) != stack.end();
+  }
+};
+
+// What remains of device bytes, V and K on the stack would outlive the call that used them.
+TEST(RngSeed, NothingSecretStaysOnTheStack) {
+  static struct {
+    HASHDRBG_CONTEXT hash;
+    HMACDRBG_CONTEXT hmac;
+    uint8_t out[100];
+  } job;
+  OnOwnStack own;
+  own.run([] {
+    std::uint8_t visible[16];
+    std::memset(visible, 0x3c, sizeof visible);
+    __asm__ volatile("" : : "r"(visible) : "memory");
+    g_made_up = true;
+    HASHDRBG_Instantiate(&job.hash, ZEL_DRBG_SHA512, 256, 0, nullptr, 0, nullptr, 0);
+    HMACDRBG_Instantiate(&job.hmac, ZEL_DRBG_SHA512, 256, 0, nullptr, 0, nullptr, 0);
+    HASHDRBG_GenerateRand(job.out, &job.hash, 800, 256, nullptr, 0, 0);
+    HMACDRBG_GenerateRand(job.out, &job.hmac, 800, 256, nullptr, 0, 0);
+    g_made_up = false;
+  });
+  const Bytes marker(16, 0x3c);
+  ASSERT_TRUE(own.holds(marker.data(), marker.size())) << "the search does not work";
+  const Bytes device = device_bytes();
+  for (std::size_t at = 0; at + 8 <= device.size(); at += 8)
+    EXPECT_FALSE(own.holds(&device[at], 8)) << "device bytes from " << at;
+  for (std::size_t at = 0; at + 8 <= sizeof job.hash.V; ++at) {
+    EXPECT_FALSE(own.holds(job.hash.V + at, 8)) << "V of Hash_DRBG from " << at;
+    EXPECT_FALSE(own.holds(job.hash.C + at, 8)) << "C from " << at;
+  }
+  for (std::size_t at = 0; at + 8 <= sizeof job.hmac.V; ++at) {
+    EXPECT_FALSE(own.holds(job.hmac.V + at, 8)) << "V of HMAC_DRBG from " << at;
+    EXPECT_FALSE(own.holds(job.hmac.Key + at, 8)) << "K from " << at;
+  }
+}
+
+}  // namespace
