@@ -316,56 +316,85 @@ TEST(RngSeed, RefusesNullArguments) {
   EXPECT_EQ(len, 7U);
 }
 
-/// A call on a stack of its own, which the test reads afterwards.
-struct OnOwnStack {
-  std::vector<std::uint8_t> stack = std::vector<std::uint8_t>(1 << 18);
-
-  void run(void (*body)()) {
+/// A call on a stack of its own, which is searched afterwards.
+class OnOwnStack {
+ public:
+  explicit OnOwnStack(void (*body)()) {
     ucontext_t here, there;
-    ASSERT_EQ(getcontext(&there), 0);
-    there.uc_stack.ss_sp = stack.data();
-    there.uc_stack.ss_size = stack.size();
+    if (getcontext(&there) != 0) abort();
+    there.uc_stack.ss_sp = stack_.data();
+    there.uc_stack.ss_size = stack_.size();
     there.uc_link = &here;
     makecontext(&there, body, 0);
-    ASSERT_EQ(swapcontext(&here, &there), 0);
+    if (swapcontext(&here, &there) != 0) abort();
   }
-  bool holds(const std::uint8_t *bytes, std::size_t len) const {
-    return std::search(stack.begin(), stack.end(), bytes, bytes + len) != stack.end();
+  /// Whether eight successive bytes of `secret` stand there, in their order or as a word does.
+  bool holds(const Bytes &secret) const {
+    for (std::size_t at = 0; at + 8 <= secret.size(); ++at) {
+      Bytes piece(secret.begin() + static_cast<long>(at),
+                  secret.begin() + static_cast<long>(at + 8));
+      if (std::search(stack_.begin(), stack_.end(), piece.begin(), piece.end()) != stack_.end()) {
+        return true;
+      }
+      std::reverse(piece.begin(), piece.end());
+      if (std::search(stack_.begin(), stack_.end(), piece.begin(), piece.end()) != stack_.end()) {
+        return true;
+      }
+    }
+    return false;
   }
+
+ private:
+  Bytes stack_ = Bytes(1 << 16);
 };
 
-// What remains of device bytes, V and K on the stack would outlive the call that used them.
+struct Contexts {
+  HASHDRBG_CONTEXT hash;
+  HMACDRBG_CONTEXT hmac;
+} g_contexts;
+
+// What stays of device bytes, V, C and K on the stack would outlive the call that used them.
 TEST(RngSeed, NothingSecretStaysOnTheStack) {
-  static struct {
-    HASHDRBG_CONTEXT hash;
-    HMACDRBG_CONTEXT hmac;
-    uint8_t out[100];
-  } job;
-  OnOwnStack own;
-  own.run([] {
-    std::uint8_t visible[16];
-    std::memset(visible, 0x3c, sizeof visible);
-    __asm__ volatile("" : : "r"(visible) : "memory");
+  static const auto no_data = nullptr;
+  static uint8_t out[3000];
+  static uint32_t len;
+  static int32_t count;
+  const auto secrets = [] {
+    return std::vector<Bytes>{Bytes(g_contexts.hash.V, g_contexts.hash.V + 111),
+                              Bytes(g_contexts.hash.C, g_contexts.hash.C + 111),
+                              Bytes(g_contexts.hmac.V, g_contexts.hmac.V + 64),
+                              Bytes(g_contexts.hmac.Key, g_contexts.hmac.Key + 64)};
+  };
+  const std::pair<const char *, void (*)()> calls[] = {
+      {"collect", [] { RNGSEED_GetEntropyData(out, &len, &count); }},
+      {"seed", [] { RNGSEED_GetSeed(out, &len, 8000); }},
+      {"instantiate",
+       [] { HASHDRBG_Instantiate(&g_contexts.hash, 3, 256, 0, no_data, 0, no_data, 0); }},
+      {"reseed", [] { HASHDRBG_Reseed(&g_contexts.hash, no_data, 0); }},
+      {"generate", [] { HASHDRBG_GenerateRand(out, &g_contexts.hash, 8000, 256, out, 9, 0); }},
+      {"HMAC instantiate",
+       [] { HMACDRBG_Instantiate(&g_contexts.hmac, 3, 256, 0, no_data, 0, no_data, 0); }},
+      {"HMAC reseed", [] { HMACDRBG_Reseed(&g_contexts.hmac, no_data, 0); }},
+      {"HMAC generate", [] { HMACDRBG_GenerateRand(out, &g_contexts.hmac, 8000, 256, out, 9, 0); }},
+  };
+  std::vector<Bytes> known;
+  for (const auto &[name, call] : calls) {
     g_made_up = true;
-    HASHDRBG_Instantiate(&job.hash, ZEL_DRBG_SHA512, 256, 0, nullptr, 0, nullptr, 0);
-    HMACDRBG_Instantiate(&job.hmac, ZEL_DRBG_SHA512, 256, 0, nullptr, 0, nullptr, 0);
-    HASHDRBG_GenerateRand(job.out, &job.hash, 800, 256, nullptr, 0, 0);
-    HMACDRBG_GenerateRand(job.out, &job.hmac, 800, 256, nullptr, 0, 0);
+    const OnOwnStack own(call);
     g_made_up = false;
-  });
-  const Bytes marker(16, 0x3c);
-  ASSERT_TRUE(own.holds(marker.data(), marker.size())) << "the search does not work";
-  const Bytes device = device_bytes();
-  for (std::size_t at = 0; at + 8 <= device.size(); at += 8)
-    EXPECT_FALSE(own.holds(&device[at], 8)) << "device bytes from " << at;
-  for (std::size_t at = 0; at + 8 <= sizeof job.hash.V; ++at) {
-    EXPECT_FALSE(own.holds(job.hash.V + at, 8)) << "V of Hash_DRBG from " << at;
-    EXPECT_FALSE(own.holds(job.hash.C + at, 8)) << "C from " << at;
+    known.push_back(device_bytes());
+    for (Bytes &secret : secrets()) {
+      if (std::count(secret.begin(), secret.end(), 0) < 8) known.push_back(std::move(secret));
+    }
+    for (const Bytes &secret : known)
+      EXPECT_FALSE(own.holds(secret)) << name << ": " << to_hex(secret);
   }
-  for (std::size_t at = 0; at + 8 <= sizeof job.hmac.V; ++at) {
-    EXPECT_FALSE(own.holds(job.hmac.V + at, 8)) << "V of HMAC_DRBG from " << at;
-    EXPECT_FALSE(own.holds(job.hmac.Key + at, 8)) << "K from " << at;
-  }
+  EXPECT_TRUE(OnOwnStack([] {
+                std::uint8_t copy[32];
+                std::copy_n(g_contexts.hash.V, 32, copy);
+                __asm__ volatile("" : : "r"(copy) : "memory");
+              }).holds(secrets()[0]))
+      << "the search does not work";
 }
 
 }  // namespace
