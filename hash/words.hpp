@@ -53,9 +53,9 @@ inline void pad_length_le(std::uint8_t *block, const void *bit_count) noexcept {
 
 template <class Word, std::size_t kWords>
 inline void dump_be(std::uint8_t *out, const void *state) noexcept {
-  const auto words = load_state<std::array<Word, kWords>>(state);
-  for (std::size_t i = 0; i < kWords; ++i)
-    store_be<Word>(out + i * sizeof(Word), words[i]);
+  const auto *const words = static_cast<const std::uint8_t *>(state);
+  for (std::size_t at = 0; at < kWords * sizeof(Word); at += sizeof(Word))
+    store_be<Word>(out + at, load_le<Word>(words + at));
 }
 
 template <std::size_t kWords>

@@ -11,7 +11,7 @@
 #include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
-#include "hash/algorithms.hpp"
+#include "hash/blocks.hpp"
 #include "zel_cc/rng.h"
 
 namespace zel::drbg {
@@ -37,6 +37,16 @@ std::uint32_t rounded_strength(std::uint32_t wanted) noexcept;
 template <class Body>
 inline auto by_word(const Variant &variant, Body body) noexcept {
   return variant.wide ? body(std::uint64_t{}) : body(std::uint32_t{});
+}
+
+/// Absorbs blocks of the hash with the given word.
+inline void absorb_blocks(std::array<std::uint32_t, 8> &state, const std::uint8_t *blocks,
+                          std::size_t count) noexcept {
+  hash::sha256_blocks(&state, blocks, count);
+}
+inline void absorb_blocks(std::array<std::uint64_t, 8> &state, const std::uint8_t *blocks,
+                          std::size_t count) noexcept {
+  hash::sha512_blocks(&state, blocks, count);
 }
 
 /// An optional byte string: a null pointer or a length of 0 is the empty one.

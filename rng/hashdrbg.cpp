@@ -33,55 +33,44 @@ void derive(std::uint8_t *out, std::uint32_t out_bits, const Variant &variant,
   }
 }
 
-/// V = V + w + ..., numbers of seedlen bits.
-template <class Word, class... Numbers>
-void add_to(std::uint8_t *v, const Numbers &...numbers) noexcept {
-  using Number = drbg::SeedNumber<Word>;
-  Number sum(v, Number::kLen, 0);
-  (sum.add(numbers), ...);
-  Wiped<std::array<std::uint8_t, Number::kStored>> bytes;
-  sum.store(bytes->data());
-  std::memcpy(v, bytes->data(), Number::kLen);
-}
-
 /// V = V + Hash(0x02 || V || additional).
 template <class Word>
 void mix_additional(HASHDRBG_CONTEXT &context, const Variant &variant,
                     const Input &additional) noexcept {
   constexpr std::uint8_t kTag = 0x02;
   Wiped<HASH_CONTEXT> hashing;
-  Wiped<std::array<std::uint8_t, ZEL_MAX_DIGEST_LEN>> w;
+  Wiped<SeedBytes> w;
+  w->fill(0);
   hash::start(*hashing, *variant.algorithm);
   hash::absorb(*hashing, &kTag, 1);
   hash::absorb(*hashing, context.V, variant.seed_len());
   hash::absorb(*hashing, additional.data(), additional.size());
-  hash::finish(w->data(), *hashing);
-  add_to<Word>(context.V, drbg::SeedNumber<Word>(w->data(), variant.digest_len(), 0));
+  hash::finish(w->data() + variant.seed_len() - variant.digest_len(), *hashing);
+  drbg::SeedSum<Word> sum(context.V);
+  sum.add(w->data());
+  sum.store(context.V);
 }
 
 /// V = V + Hash(0x03 || V) + C + reseed counter. The message and its padding are two blocks.
 template <class Word>
 void advance(HASHDRBG_CONTEXT &context, const Variant &variant) noexcept {
-  using Number = drbg::SeedNumber<Word>;
-  constexpr std::uint8_t kTag = 0x03;
-  constexpr std::size_t kLen = 1 + Number::kLen;
   constexpr std::size_t kBlock = 16 * sizeof(Word);
-  struct Message {
-    std::array<Word, 8> state;
-    std::uint8_t blocks[2 * kBlock];
-    std::uint8_t digest[8 * sizeof(Word)];
-  };
-  Wiped<Message> message(Message{});
-  message->blocks[0] = kTag;
-  std::memcpy(message->blocks + 1, context.V, Number::kLen);
-  message->blocks[kLen] = 0x80;
-  store_be<Word>(message->blocks + sizeof message->blocks - sizeof(Word), 8 * kLen);
-  variant.algorithm->Initialize(&message->state);
-  variant.algorithm->CompressBlock(&message->state, message->blocks);
-  variant.algorithm->CompressBlock(&message->state, message->blocks + kBlock);
-  variant.algorithm->DumpDigest(message->digest, &message->state);
-  add_to<Word>(context.V, Number(message->digest, variant.digest_len(), 0),
-               Number(context.C, Number::kLen, 0), Number(context.reseed_counter));
+  constexpr std::size_t kLen = 1 + drbg::kSeedLen<Word>;
+  constexpr std::uint8_t kTag = 0x03;
+  Wiped<std::array<std::uint8_t, 2 * kBlock>> message;
+  zero<sizeof *message>(message->data());
+  (*message)[0] = kTag;
+  std::copy_n(context.V, kLen - 1, message->data() + 1);
+  (*message)[kLen] = 0x80;
+  store_be64(message->data() + sizeof *message - 8, 8 * kLen);
+  Wiped<std::array<Word, 8>> state;
+  variant.algorithm->Initialize(&*state);
+  drbg::absorb_blocks(*state, message->data(), 2);
+  drbg::SeedSum<Word> sum(context.V);
+  sum.add(*state, variant.digest_len());
+  sum.add(context.C);
+  sum.add(context.reseed_counter);
+  sum.store(context.V);
 }
 
 struct HashDrbg {

@@ -62,7 +62,7 @@ class Mac {
     std::memset(block_, pad, kBlock);
     xor_bytes(block_, block_, key, len_);
     algorithm_.Initialize(&state);
-    algorithm_.CompressBlock(&state, block_);
+    drbg::absorb_blocks(state, block_, 1);
   }
 
   /// Pads the message in the block, which comes after the block of the key, and absorbs it.
@@ -71,7 +71,7 @@ class Mac {
     std::memset(block_ + len + 1, 0, kBlock - len - 1);
     store_be<Word>(block_ + kBlock - sizeof(Word), static_cast<Word>(8 * (kBlock + len)));
     state_ = key_state;
-    algorithm_.CompressBlock(&state_, block_);
+    drbg::absorb_blocks(state_, block_, 1);
   }
 
   /// The inner digest of a message of any length, into the block.

@@ -27,7 +27,7 @@ struct Read {
   int error = 0;
 };
 
-/// The made-up system. The device gives 1, 2, 3, ...
+/// The made-up system. The device gives 37, 74, 111, ...
 struct System {
   bool device = true;
   std::deque<Read> reads;
@@ -35,8 +35,9 @@ struct System {
   int reads_made = 0, opened = 0, closed = 0;
   bool no_memory = false;
   std::vector<std::size_t> allocated;
-  std::uint8_t next = 1;
+  std::uint8_t next = 0;
 } g_system;
+constexpr std::uint8_t kStep = 37;
 alignas(16) char g_heap[256];
 bool g_made_up = false;  ///< off while the test framework itself works
 
@@ -87,7 +88,7 @@ size_t __wrap_fread(void *to, size_t size, size_t count, FILE *from) {
   EXPECT_LE(read.bytes, size * count);
   auto *bytes = static_cast<std::uint8_t *>(to);
   for (std::size_t i = 0; i < read.bytes; ++i)
-    bytes[i] = g_system.next++;
+    bytes[i] = g_system.next += kStep;
   if (read.error != 0) errno = read.error;
   return read.bytes;
 }
@@ -181,7 +182,7 @@ std::string fields(const std::string &heap_word) {
 Bytes device_bytes() {
   Bytes bytes;
   for (int i = 1; i <= 256; ++i)
-    bytes.push_back(static_cast<std::uint8_t>(i));
+    bytes.push_back(static_cast<std::uint8_t>(i * kStep));
   return bytes;
 }
 
@@ -200,15 +201,16 @@ TEST(RngSeed, LaysOutEverySourceByteForByte) {
   const Collected with = collect();
   EXPECT_EQ(with.len, 874U);
   EXPECT_EQ(with.entropy, 269);
-  EXPECT_EQ(to_hex(with.bytes), to_hex(device_bytes()) + fields(heap_word(0, 1, 2)) + "cc");
+  EXPECT_EQ(to_hex(with.bytes),
+            to_hex(device_bytes()) + fields(heap_word(0, kStep, 2 * kStep)) + "cc");
   EXPECT_EQ(g_system.closed, 1);
-  EXPECT_EQ(g_system.allocated, (std::vector<std::size_t>{4, 12}));
+  EXPECT_EQ(g_system.allocated, (std::vector<std::size_t>{4 * 37, 4 * 111 - 256}));
 
   g_system.device = false;
   const Collected without = collect();
   EXPECT_EQ(without.len, 618U);
   EXPECT_EQ(without.entropy, 13);
-  EXPECT_EQ(to_hex(without.bytes), fields(heap_word(3, 0x88, 0x77)) + repeated("cc", 257));
+  EXPECT_EQ(to_hex(without.bytes), fields(heap_word(3 * kStep, 0x88, 0x77)) + repeated("cc", 257));
 }
 
 TEST(RngSeed, GathersTheDeviceFromShortAndInterruptedReads) {
@@ -278,9 +280,10 @@ TEST(RngSeed, CondensesTheEntropyToSeeds) {
   for (const uint32_t bits : {0U, 1U, 8U, 223U, 224U, 440U, 512U, 1024U}) {
     for (const HASH_ALGORITHM *hash : {&sha224, &pophas160}) {
       const auto collected = hash == &sha224 ? RNGSEED_GetSeed : RNGSEED_GetSeedKey;
-      g_system.next = 1;
-      const Bytes entropy = from_hex(to_hex(device_bytes()) + fields(heap_word(counter, 1, 2)));
-      counter += 3;
+      g_system.next = 0;
+      const Bytes entropy =
+          from_hex(to_hex(device_bytes()) + fields(heap_word(counter, kStep, 2 * kStep)));
+      counter += 3 * kStep;
       const std::size_t len = (bits + 7) / 8;
       Bytes out(len + 1, 0xcc);
       uint32_t out_len = 99;
