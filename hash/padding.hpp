@@ -66,12 +66,12 @@ std::size_t pad(std::uint8_t *blocks, const End<Area> &end, ByteOrder order) noe
   Index index = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   Bytes16 piece{};
   for (std::size_t at = 0; at < kBlock; at += 16) {
+    if (at != 0) index += static_cast<signed char>(16);
     const auto before = reinterpret_cast<Bytes16>(index < stop);
     const auto first_after = reinterpret_cast<Bytes16>(index == stop);
     piece = (load_bytes16(end.rest + at) & before) | (first_after & std::uint8_t{0x80});
     if (at + 16 == kBlock && fits) piece |= length;
     store_bytes16(blocks + at, piece);
-    index += static_cast<signed char>(16);
   }
   if (fits) return 1;
   zero<kBlock - 16>(blocks + kBlock);

@@ -53,4 +53,5 @@ build_packages=(g++=g++ cmake=cmake ninja-build=ninja libcli11-dev=CLI/CLI.hpp
   nlohmann-json3-dev=nlohmann/json.hpp)
 test_packages=(clang=clang++ python3=python3 pkg-config=pkg-config libgtest-dev=gtest/gtest.h
   libbenchmark-dev=benchmark/benchmark.h libssl-dev=openssl/evp.h openssl=openssl rhash=rhash
-  doxygen=doxygen libgmp-dev=gmpxx.h valgrind=valgrind)
+  doxygen=doxygen libgmp-dev=gmpxx.h valgrind=valgrind
+  rng-tools5=rngtest)

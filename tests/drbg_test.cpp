@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "rng/drbg.hpp"
 #include "tests/support/features.hpp"
 #include "tests/support/vectors.hpp"
 #include "zel_cc.h"
@@ -447,6 +448,37 @@ TYPED_TEST(BothDrbgs, RepeatedOutputTestPassesThroughTheSelfTestState) {
   EXPECT_EQ(TypeParam::differs(one, two, 3), ZEL_OK);
   EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_VERIFIED) << "ends the self-test that was running";
   EXPECT_EQ(TypeParam::differs(one, two, 2), ZEL_ERR_GENERIC);
+  EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_ERROR);
+}
+
+// A generator whose next output is all ones: what a real one does once in 2^224 times.
+struct Stuck {
+  using Context = int;
+  struct Stream {
+    Stream(const int &, const zel::drbg::Variant &) {}
+    void next(uint8_t *digest) { std::fill_n(digest, 28, uint8_t{1}); }
+  };
+  static int32_t differs(const uint8_t *previous, const uint8_t *next, int32_t len) {
+    return CONDITIONAL_SELFTEST_HASHDRBG(previous, next, len);
+  }
+};
+
+// Outputs that begin alike still differ: every digest counts, and the last one in its length.
+TEST(Drbg, RepeatedOutputTestSeesTheWholeOutput) {
+  const auto passes = [](const Bytes &out) {
+    return zel::drbg::second_output_differs<Stuck>(0, *zel::drbg::variant_of(ZEL_DRBG_SHA224),
+                                                   out.data(), size(out));
+  };
+  for (const std::size_t len : {1U, 28U, 29U, 56U, 75U}) {
+    Bytes out(len, 1);
+    out.back() = 2;
+    EXPECT_TRUE(passes(out)) << len;
+    out.back() = 1;
+    out.front() = 2;
+    EXPECT_TRUE(passes(out)) << len;
+  }
+  EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_NOT_VERIFIED);
+  EXPECT_FALSE(passes(Bytes(75, 1)));
   EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_ERROR);
 }
 
