@@ -1,4 +1,5 @@
 // The entropy collector, and the seeds condensed from it.
+#include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -33,29 +34,51 @@ constexpr std::size_t kFieldsLen =
 static_assert(kFieldsLen == ZEL_ENTROPY_LEN_WITHOUT_DEVICE);
 static_assert(kDeviceLen + kFieldsLen == ZEL_ENTROPY_LEN);
 
-/// Fills `out` from the stream, through interruptions and short reads. The stream has no buffer of
-/// its own, in which bytes could stay behind.
-bool read_all(std::uint8_t *out, FILE *stream) noexcept {
-  setvbuf(stream, nullptr, _IONBF, 0);
+/// Fills `out` through interruptions and short reads. `read_some` returns the bytes that it
+/// brought; 0 is the end, or an error in errno.
+template <class ReadSome>
+bool read_all(std::uint8_t *out, ReadSome read_some) noexcept {
   std::size_t have = 0;
   for (int idle = 0; have < kDeviceLen && idle < kIdleReads;) {
     errno = 0;
-    const std::size_t got = fread(out + have, 1, kDeviceLen - have, stream);
+    const std::size_t got = read_some(out + have, kDeviceLen - have);
     have += got;
     if (got != 0) continue;
     if (errno != EINTR) return false;
-    clearerr(stream);
     ++idle;
   }
   return have == kDeviceLen;
 }
 
+/// The stream has no buffer of its own, in which bytes could stay behind.
+bool read_stream(std::uint8_t *out, FILE *stream) noexcept {
+  setvbuf(stream, nullptr, _IONBF, 0);
+  const bool complete = read_all(out, [stream](std::uint8_t *to, std::size_t len) {
+    clearerr(stream);
+    return fread(to, 1, len, stream);
+  });
+  fclose(stream);
+  return complete;
+}
+
+/// For want of memory there may be no stream, but there is a device still.
+bool read_without_stream(std::uint8_t *out) noexcept {
+  const int file = open(kDevice, O_RDONLY | O_CLOEXEC);
+  if (file < 0) return false;
+  const bool complete = read_all(out, [file](std::uint8_t *to, std::size_t len) {
+    const ssize_t got = read(file, to, len);
+    return got < 0 ? 0 : static_cast<std::size_t>(got);
+  });
+  close(file);
+  return complete;
+}
+
 /// Short reads must not pass for device bytes: either all of them are there, or none stays.
 bool read_device(std::uint8_t *out) noexcept {
+  errno = 0;
   FILE *const stream = fopen(kDevice, "r");
-  if (stream == nullptr) return false;
-  const bool complete = read_all(out, stream);
-  fclose(stream);
+  if (stream == nullptr && errno != ENOMEM) return false;
+  const bool complete = stream != nullptr ? read_stream(out, stream) : read_without_stream(out);
   if (!complete) wipe(out, kDeviceLen);
   return complete;
 }

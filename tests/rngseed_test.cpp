@@ -1,5 +1,6 @@
 // The entropy collector on a system that the test makes up: the linker sends every system call of
 // the library here (--wrap). CTest runs each test in a process of its own.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <sys/stat.h>
@@ -41,6 +42,7 @@ constexpr std::uint8_t kStep = 37;
 alignas(16) char g_heap[256];
 bool g_made_up = false;  ///< off while the test framework itself works
 
+constexpr int kFile = 4711;
 FILE *stream() {
   static char token;
   return reinterpret_cast<FILE *>(&token);
@@ -57,6 +59,9 @@ size_t __real_fread(void *to, size_t size, size_t count, FILE *from);
 int __real_fclose(FILE *from);
 int __real_setvbuf(FILE *of, char *buffer, int mode, size_t size);
 void __real_clearerr(FILE *of);
+int __real_open(const char *path, int flags, ...);
+ssize_t __real_read(int file, void *to, size_t len);
+int __real_close(int file);
 
 void *__wrap_malloc(size_t len) {
   if (!g_made_up) return __real_malloc(len);
@@ -70,27 +75,47 @@ FILE *__wrap_fopen(const char *path, const char *mode) {
   if (!g_made_up) return __real_fopen(path, mode);
   EXPECT_STREQ(path, "/dev/urandom");
   EXPECT_STREQ(mode, "r");
-  if (!g_system.device) return nullptr;
+  errno = g_system.no_memory ? ENOMEM : ENOENT;
+  if (!g_system.device || g_system.no_memory) return nullptr;
   ++g_system.opened;
   return stream();
 }
-size_t __wrap_fread(void *to, size_t size, size_t count, FILE *from) {
-  if (from != stream()) return __real_fread(to, size, count, from);
+size_t made_up_read(void *to, size_t len) {
   if (++g_system.reads_made > 10000) {
     ADD_FAILURE() << "reads for ever";
     abort();
   }
-  Read read{size * count};
+  Read read{len};
   if (!g_system.reads.empty()) {
     read = g_system.reads.front();
     if (!g_system.for_ever) g_system.reads.pop_front();
   }
-  EXPECT_LE(read.bytes, size * count);
+  EXPECT_LE(read.bytes, len);
   auto *bytes = static_cast<std::uint8_t *>(to);
   for (std::size_t i = 0; i < read.bytes; ++i)
     bytes[i] = g_system.next += kStep;
   if (read.error != 0) errno = read.error;
   return read.bytes;
+}
+size_t __wrap_fread(void *to, size_t size, size_t count, FILE *from) {
+  return from == stream() ? made_up_read(to, size * count) : __real_fread(to, size, count, from);
+}
+int __wrap_open(const char *path, int flags, int mode) {
+  if (!g_made_up) return __real_open(path, flags, mode);
+  EXPECT_STREQ(path, "/dev/urandom");
+  EXPECT_EQ(flags, O_RDONLY | O_CLOEXEC);
+  if (g_system.device) ++g_system.opened;
+  return g_system.device ? kFile : -1;
+}
+ssize_t __wrap_read(int file, void *to, size_t len) {
+  if (file != kFile) return __real_read(file, to, len);
+  const size_t got = made_up_read(to, len);
+  return got == 0 && errno != 0 ? -1 : static_cast<ssize_t>(got);
+}
+int __wrap_close(int file) {
+  if (file != kFile) return __real_close(file);
+  ++g_system.closed;
+  return 0;
 }
 int __wrap_fclose(FILE *from) {
   if (from != stream()) return __real_fclose(from);
@@ -218,6 +243,22 @@ TEST(RngSeed, GathersTheDeviceFromShortAndInterruptedReads) {
   const Collected all = collect();
   EXPECT_EQ(all.len, 874U);
   EXPECT_EQ(to_hex(Bytes(all.bytes.begin(), all.bytes.begin() + 256)), to_hex(device_bytes()));
+  EXPECT_EQ(g_system.closed, 1);
+}
+
+// Where there is no memory for a stream, a seed from the weak sources alone would pass for a good
+// one.
+TEST(RngSeed, GathersTheDeviceWithoutMemoryToo) {
+  g_system.no_memory = true;
+  g_system.reads = {{0, EINTR}, {200}, {56}};
+  const Collected all = collect();
+  EXPECT_EQ(all.len, 874U);
+  EXPECT_EQ(to_hex(Bytes(all.bytes.begin(), all.bytes.begin() + 256)), to_hex(device_bytes()));
+  g_system.reads = {{255}, {0}};
+  EXPECT_EQ(collect().len, 618U);
+  EXPECT_EQ(g_system.closed, 2);
+  g_system.device = false;
+  EXPECT_EQ(collect().len, 618U);
 }
 
 // Anything short of 256 bytes must not pass for the device.
