@@ -5,11 +5,13 @@ import collections
 import json
 import math
 import os
+import re
 import subprocess
 import time
+import unittest
 
 import support
-from support import USAGE, ZEL, ToolTest
+from support import USAGE, ZEL, ToolTest, available
 
 ENTROPY = 7
 SHIMS = os.environ["ZEL_TEST_SHIMS"].split(":")
@@ -70,6 +72,17 @@ class Rand(ToolTest):
         os.close(theirs)
         os.close(ours)
         self.assertEqual(done.returncode, USAGE)
+
+
+class LongRand(ToolTest):
+    @unittest.skipUnless(available("rngtest"), "rngtest of rng-tools5 is not installed")
+    def test_fips_140_2(self):
+        self.zel("rand", "--raw", "16M", "-o", "f")
+        with open(self.folder / "f", "rb") as data:
+            done = subprocess.run(["rngtest"], stdin=data, capture_output=True)
+        failures = int(re.search(rb"failures: (\d+)", done.stderr).group(1))
+        # About 8 blocks of 10,000 fail by chance: 5 of these 6710.
+        self.assertLess(failures, 20, done.stderr)
 
 
 class Prime(ToolTest):

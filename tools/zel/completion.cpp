@@ -199,7 +199,8 @@ Command completion_command(const Commands &commands) {
     if (name == "bash") return session.print(bash_script(visible));
     if (name == "zsh") return session.print(zsh_script(visible));
     if (name == "fish") return session.print(fish_script(visible));
-    throw Failure(Exit::kUsage, name.empty() ? "SHELL" : name, "no completion for that shell",
+    throw Failure(Exit::kUsage, *shell ? name : "SHELL",
+                  *shell ? "no completion for that shell" : "not given",
                   "there are bash, zsh and fish");
   };
   return command;

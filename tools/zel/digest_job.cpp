@@ -1,5 +1,7 @@
 #include "tools/zel/digest_job.hpp"
 
+#include <unistd.h>
+
 #include "tools/zel/digest_check.hpp"
 
 namespace zel::tool {
@@ -26,6 +28,9 @@ void digest_files(Session &session, const DigestOptions &options, const Scheme &
   session.result()["files"] = Json::array();
   if (session.output() != "-") session.open_output();
   scheme.start();  // a refusal is one error, not one for each file
+  if (files.front() == "-" && ::isatty(STDIN_FILENO) == 1) {
+    session.note("reading from the terminal; Ctrl-D ends it");
+  }
   const auto progress = session.progress(session.command(), total_size(files));
   for (const std::string &file : files) {
     try {

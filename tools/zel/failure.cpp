@@ -53,7 +53,8 @@ Failure::Failure(Exit exit, std::string subject, std::string problem, std::strin
 }
 
 Failure file_failure(const std::string &path, int error_number) {
-  return {Exit::kFile, path, std::strerror(error_number), advice_for(error_number)};
+  return {Exit::kFile, path.empty() ? "''" : path, std::strerror(error_number),
+          advice_for(error_number)};
 }
 
 Failure library_failure(const std::string &subject, int code) {

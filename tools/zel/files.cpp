@@ -222,9 +222,7 @@ void Output::put_in_place() {
 bool Output::is_terminal() const noexcept { return ::isatty(number_) == 1; }
 
 void Output::fail(int error_number) const {
-  if (!is_standard_output()) throw file_failure(path_, error_number);
-  const Failure cause = file_failure("", error_number);
-  throw Failure(Exit::kFile, "standard output", cause.what());
+  throw file_failure(is_standard_output() ? "standard output" : path_, error_number);
 }
 
 }  // namespace zel::tool

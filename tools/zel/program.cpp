@@ -67,6 +67,17 @@ int run_command(const Command &command, const SharedFlags &flags) {
   return static_cast<int>(session.exit());
 }
 
+/// What the parser did not understand, with the argument first as in all errors.
+std::string problem_of(const CLI::ParseError &error, bool in_command) {
+  const std::string text = error.what();
+  const std::size_t colon = text.find(": ");
+  const bool extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+  if (!extra || colon == std::string::npos) return text;
+  const std::string words = text.substr(colon + 2);
+  if (in_command) return words + ": not expected here";
+  return words + (words.starts_with('-') ? ": not expected before a command" : ": no such command");
+}
+
 int usage_error(const std::string &name, const std::string &problem) {
   console::line(name + ": " + shown(problem) + "; see '" + name + " --help'");
   return static_cast<int>(Exit::kUsage);
@@ -94,7 +105,8 @@ int parse_and_run(const Commands &commands, int argc, char **argv) {
     app.parse(arguments_of(argc, argv));
   } catch (const CLI::ParseError &error) {
     const auto chosen = app.get_subcommands();
-    return usage_error(chosen.empty() ? "zel" : "zel " + chosen.front()->get_name(), error.what());
+    return usage_error(chosen.empty() ? "zel" : "zel " + chosen.front()->get_name(),
+                       problem_of(error, !chosen.empty()));
   }
   for (const Command &command : commands) {
     if (!app.got_subcommand(command.name)) continue;

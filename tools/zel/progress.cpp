@@ -35,10 +35,7 @@ Scale scale_for(double bytes) {
 /// Two or three digits are enough to watch.
 std::string number(double value) {
   char text[32];
-  std::snprintf(text, sizeof text,
-                value >= 10 || value == std::floor(value) ? "%.0f"
-                : value < 0.1                             ? "%.4f"
-                                                          : "%.1f",
+  std::snprintf(text, sizeof text, value < 10 && value != std::floor(value) ? "%.1f" : "%.0f",
                 value);
   return text;
 }
@@ -52,7 +49,7 @@ std::string bytes_text(double bytes) {
 std::string amount_text(const Moment &moment) {
   const auto done = static_cast<double>(moment.done);
   const Scale scale = moment.unit == Unit::kPrimes
-                          ? Scale{1, "primes"}
+                          ? Scale{1, moment.total.value_or(moment.done) == 1 ? "prime" : "primes"}
                           : scale_for(static_cast<double>(moment.total.value_or(moment.done)));
   std::string text = number(done / scale.divisor);
   if (moment.total) text += "/" + number(static_cast<double>(*moment.total) / scale.divisor);
@@ -127,7 +124,8 @@ void Progress::finish() { end(true); }
 std::string Progress::summary() const {
   const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
   const auto done = static_cast<double>(done_.load());
-  const std::string time = " in " + number(seconds) + " s";
+  char time[32];
+  std::snprintf(time, sizeof time, " in %.3g s", seconds);
   if (unit_ == Unit::kPrimes) return amount_text({task_, unit_, done_, {}, 0, 0}) + time;
   return bytes_text(done) + time + ", " + bytes_text(done / seconds) + "/s";
 }
