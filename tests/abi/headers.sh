@@ -9,7 +9,7 @@ for compiler in gcc clang; do
     echo "$compiler is not installed: left out"
     continue
   fi
-  for standard in c11 c17 c++17 c++20; do
+  for standard in c11 c++17; do
     language=c
     [[ $standard != c++* ]] || language=c++
     for header in zel_cc.h zel_cc/*.h; do

@@ -7,16 +7,14 @@
 
 #include "zel_cc.h"
 
-/* Defined in own_names.c when the program has globals of those names; the library's own object is
- * then out of the linker's reach. */
+/* With OWN_NAMES, own_names.c has globals of these names. The library's own objects are then out of
+ * the linker's reach, and asked of the library itself. */
 #ifdef OWN_NAMES
 #include <dlfcn.h>
 int own_names_intact(void);
-static const HASH_ALGORITHM *find_sha512(void) {
-  return dlsym(dlopen("libzel_cc-3.2.so", RTLD_LAZY | RTLD_NOLOAD), "sha512");
-}
+#define OBJECT(name) dlsym(dlopen("libzel_cc-3.2.so", RTLD_LAZY | RTLD_NOLOAD), #name)
 #else
-static const HASH_ALGORITHM *find_sha512(void) { return &sha512; }
+#define OBJECT(name) (&(name))
 #endif
 #ifdef LIBCRYPTO_FIRST
 #include <openssl/evp.h>
@@ -68,12 +66,43 @@ static void authenticates(const HASH_ALGORITHM *descriptor, const char *expected
   check(len == descriptor->digest_len && is_hex(code, len, expected), what);
 }
 
+/* One block in ECB under the key 00, 01, ..., 0f. */
+static int32_t encipher(const BCIPHER_ALGORITHM *descriptor, uint8_t *block, uint32_t len) {
+  static const uint8_t iv[16] = {0};
+  uint8_t key_bytes[16];
+  BCIPHER_CONTEXT context;
+  BCIPHER_KEY *key = BCIPHER_NewKey(descriptor);
+  uint8_t in[16];
+  uint8_t i;
+  int32_t result;
+  for (i = 0; i < sizeof key_bytes; ++i)
+    key_bytes[i] = i;
+  memcpy(in, block, len);
+  BCIPHER_MakeKey(key, key_bytes, sizeof key_bytes, descriptor);
+  BCIPHER_Initialize(&context, ZEL_MODE_ECB, iv, descriptor);
+  result = BCIPHER_Encrypt(block, &len, in, len, &context, key, 0);
+  BCIPHER_DelKey(key);
+  return result;
+}
+
+static void enciphers(const BCIPHER_ALGORITHM *descriptor, const uint8_t *in, const char *expected,
+                      const char *what) {
+  uint8_t block[16];
+  memcpy(block, in, sizeof block);
+  check(encipher(descriptor, block, sizeof block) == ZEL_OK && is_hex(block, 16, expected), what);
+}
+
 static void refuses(const HASH_ALGORITHM *descriptor, const char *what) {
   HASH_CONTEXT context;
   check(HASH_InitializeEx(&context, descriptor) == ZEL_ERR_APPROVED, what);
 }
 
+static const uint8_t kAriaIn[16] = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77,
+                                    0x88, 0x99, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
+static const uint8_t kSeedIn[16] = {0};
+
 int main(void) {
+  uint8_t not_approved[8] = {0};
   check(KZEL_CC_SetStateVerifiedService() == ZEL_STATE_VERIFIED, "verified service");
   hashes(&sha384,
          "09330c33f71147e83d192fc782cd1b4753111b173b3b05d22fa08086e3b0f712"
@@ -84,17 +113,21 @@ int main(void) {
                 "afd03944d84895626b0825f4ab46907f15f9dadbe4101ec682aa034c7cebc59c"
                 "faea9ea9076ede7f4af152e8b2fa9cb6",
                 "HMAC-SHA-384");
-  hashes(find_sha512(),
+  hashes(OBJECT(sha512),
          "8e959b75dae313da8cf4f72814fc143f8f7779c6eb9f7fa17299aeadb6889018"
          "501d289e4900f7e4331b99dec4b5433ac7d329eeb6dd26545e96e55b874be909",
          "SHA-512");
-  authenticates(find_sha512(),
+  authenticates(OBJECT(sha512),
                 "87aa7cdea5ef619d4ff0b4241a1d6cb02379f4e2ce4ec2787ad0b30545e17cde"
                 "daa833b7d6b8a702038b274eaea3f4e4be9d914eeb61f1702e696c203a126854",
                 "HMAC-SHA-512");
 #ifdef OWN_NAMES
   check(own_names_intact(), "the program's own globals");
 #endif
+  /* RFC 5794, appendix A.1; RFC 4269, appendix B.2 */
+  enciphers(&aria, kAriaIn, "d718fbd6ab644c739da95f3be6451778", "ARIA");
+  enciphers(OBJECT(seed), kSeedIn, "c11f22f20140505084483597e4370f43", "SEED");
+  check(encipher(OBJECT(des), not_approved, 8) == ZEL_ERR_APPROVED, "DES is refused");
   refuses(&popsha1, "SHA-1 is refused");
   refuses(&popmd5, "MD5 is refused");
 #ifdef LIBCRYPTO_FIRST
