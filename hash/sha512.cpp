@@ -10,7 +10,7 @@ namespace zel {
 
 void hash::sha512_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept {
   if (cpu::has(cpu::Feature::kAvx2, cpu::Feature::kBmi2)) {
-    return sha512_blocks_avx2(state, data, count);
+    return zel_sha512_blocks_avx2(state, data, count, kSha2Rounds<std::uint64_t>.data());
   }
   sha2_blocks<std::uint64_t>(state, data, count);
 }
