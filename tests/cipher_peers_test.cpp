@@ -166,14 +166,21 @@ Bytes own(const BCIPHER_ALGORITHM &cipher, const Mode &mode, const Task &task, N
   return out;
 }
 
-void load_providers() {
-  ASSERT_NE(OSSL_PROVIDER_load(nullptr, "legacy"), nullptr);
-  ASSERT_NE(OSSL_PROVIDER_load(nullptr, "default"), nullptr);
-}
+/// OpenSSL with its legacy ciphers.
+class Providers {
+ public:
+  ~Providers() {
+    OSSL_PROVIDER_unload(legacy_);
+    OSSL_PROVIDER_unload(base_);
+  }
+
+ private:
+  OSSL_PROVIDER *const legacy_ = OSSL_PROVIDER_load(nullptr, "legacy");
+  OSSL_PROVIDER *const base_ = OSSL_PROVIDER_load(nullptr, "default");
+};
 
 class Peers : public ::testing::TestWithParam<Row> {
- protected:
-  static void SetUpTestSuite() { load_providers(); }
+  Providers providers_;
 };
 
 TEST_P(Peers, EveryModeBothWaysInRandomPieces) {
@@ -234,8 +241,7 @@ void compare_keys(const BCIPHER_ALGORITHM &cipher, const char *name, std::size_t
 }
 
 class KeyLengths : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() { load_providers(); }
+  Providers providers_;
 };
 
 TEST_F(KeyLengths, OfBlowfishAndRc2) {
