@@ -11,6 +11,7 @@ namespace {
 
 struct Xmm {
   using Vector = __m128i;
+  using Block = __m128i;
   static constexpr std::size_t kBlocks = 1;
 
   ZEL_ISA_AESNI static Vector load(const std::uint8_t *from) noexcept {
@@ -19,6 +20,8 @@ struct Xmm {
   ZEL_ISA_AESNI static void store(std::uint8_t *to, Vector x) noexcept {
     _mm_storeu_si128(reinterpret_cast<__m128i *>(to), x);
   }
+  ZEL_ISA_AESNI static Block load_block(const std::uint8_t *from) noexcept { return load(from); }
+  ZEL_ISA_AESNI static void store_block(std::uint8_t *to, Block x) noexcept { store(to, x); }
   ZEL_ISA_AESNI static Vector key(const std::uint8_t *from) noexcept { return load(from); }
   ZEL_ISA_AESNI static Vector counters(std::uint64_t high, std::uint64_t low) noexcept {
     return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
@@ -29,6 +32,7 @@ struct Xmm {
   ZEL_ISA_AESNI static Vector swap(Vector x) noexcept {
     return _mm_shuffle_epi8(x, _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
   }
+  ZEL_ISA_AESNI static Vector follow(Block block, const std::uint8_t *) noexcept { return block; }
   ZEL_ISA_AESNI static Vector bit_xor(Vector a, Vector b) noexcept { return _mm_xor_si128(a, b); }
   ZEL_ISA_AESNI static Vector enc(Vector x, Vector k) noexcept { return _mm_aesenc_si128(x, k); }
   ZEL_ISA_AESNI static Vector enc_last(Vector x, Vector k) noexcept {
@@ -53,19 +57,22 @@ struct Unit {
   }
 };
 
+/// The rounds of one link of a chain. Whatever is to be added to the result before the next link
+/// goes into the key of the last round, so that a chain is nothing but rounds.
 template <class Size>
-ZEL_ISA_AESNI inline __m128i encipher_one(__m128i x, const std::uint8_t *keys) noexcept {
-  x = _mm_xor_si128(x, Xmm::load(keys));
+ZEL_ISA_AESNI inline __m128i link(__m128i x, const std::uint8_t *keys, __m128i addend) noexcept {
+  const __m128i last = _mm_xor_si128(Xmm::load(keys + kBlockLen * Size::kRounds), addend);
 #pragma GCC unroll 13
   for (std::size_t r = 1; r < Size::kRounds; ++r)
     x = _mm_aesenc_si128(x, Xmm::load(keys + kBlockLen * r));
-  return _mm_aesenclast_si128(x, Xmm::load(keys + kBlockLen * Size::kRounds));
+  return _mm_aesenclast_si128(x, last);
 }
 
 template <class Size>
 ZEL_ISA_AESNI void encrypt_block(std::uint8_t *block, const void *schedule) noexcept {
   const auto *const keys = static_cast<const std::uint8_t *>(schedule);
-  Xmm::store(block, encipher_one<Size>(Xmm::load(block), keys));
+  const __m128i x = _mm_xor_si128(Xmm::load(block), Xmm::load(keys));
+  Xmm::store(block, link<Size>(x, keys, _mm_setzero_si128()));
 }
 
 template <class Size>
@@ -78,35 +85,57 @@ ZEL_ISA_AESNI void decrypt_block(std::uint8_t *block, const void *schedule) noex
   Xmm::store(block, _mm_aesdeclast_si128(x, Xmm::load(keys)));
 }
 
-/// The chain sets the pace, so nothing is done in it but the cipher and one exclusive or.
+/// CBC: between two links, x is the ciphertext block with the next plaintext block and the first
+/// round key added.
+template <class Size, bool kStore>
+ZEL_ISA_AESNI __m128i cbc_chain(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                                const std::uint8_t *keys, __m128i reg) noexcept {
+  const __m128i first = Xmm::load(keys);
+  __m128i x = _mm_xor_si128(reg, _mm_xor_si128(first, Xmm::load(in)));
+  for (; count > 1; --count) {
+    in += kBlockLen;
+    const __m128i next = _mm_xor_si128(first, Xmm::load(in));
+    x = link<Size>(x, keys, next);
+    if constexpr (kStore) {
+      Xmm::store(out, _mm_xor_si128(x, next));
+      out += kBlockLen;
+    }
+  }
+  x = link<Size>(x, keys, _mm_setzero_si128());
+  if constexpr (kStore) Xmm::store(out, x);
+  return x;
+}
+
 template <class Size>
 ZEL_ISA_AESNI void serial(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in,
                           std::size_t count, const void *schedule, std::uint8_t *chain) noexcept {
   using bulk::Chain;
+  if (count == 0) return;
   const auto *const keys = static_cast<const std::uint8_t *>(schedule);
+  const __m128i first = Xmm::load(keys);
   __m128i reg = Xmm::load(chain);
   switch (kind) {
     case Chain::kCbcEncrypt:
-      for (; count > 0; --count, in += kBlockLen, out += kBlockLen) {
-        reg = encipher_one<Size>(_mm_xor_si128(reg, Xmm::load(in)), keys);
-        Xmm::store(out, reg);
-      }
+      reg = cbc_chain<Size, true>(out, in, count, keys, reg);
       break;
     case Chain::kCbcMac:
-      for (; count > 0; --count, in += kBlockLen)
-        reg = encipher_one<Size>(_mm_xor_si128(reg, Xmm::load(in)), keys);
+      reg = cbc_chain<Size, false>(nullptr, in, count, keys, reg);
       break;
     case Chain::kCfbEncrypt:
+      reg = _mm_xor_si128(reg, first);
       for (; count > 0; --count, in += kBlockLen, out += kBlockLen) {
-        reg = _mm_xor_si128(encipher_one<Size>(reg, keys), Xmm::load(in));
-        Xmm::store(out, reg);
+        reg = link<Size>(reg, keys, _mm_xor_si128(first, Xmm::load(in)));
+        Xmm::store(out, _mm_xor_si128(reg, first));
       }
+      reg = _mm_xor_si128(reg, first);
       break;
     case Chain::kOfb:
+      reg = _mm_xor_si128(reg, first);
       for (; count > 0; --count, in += kBlockLen, out += kBlockLen) {
-        reg = encipher_one<Size>(reg, keys);
-        Xmm::store(out, _mm_xor_si128(reg, Xmm::load(in)));
+        reg = link<Size>(reg, keys, first);
+        Xmm::store(out, _mm_xor_si128(_mm_xor_si128(reg, first), Xmm::load(in)));
       }
+      reg = _mm_xor_si128(reg, first);
       break;
   }
   Xmm::store(chain, reg);

@@ -5,9 +5,11 @@
 // `Lanes` describes one register:
 //   Vector, kBlocks      the type, and how many blocks it holds
 //   load, store          of kBlocks blocks, at any alignment
+//   Block, load_block, store_block   the same for one block
 //   key(from)            one round key, repeated for every block
 //   counters(high, low)  kBlocks consecutive counters, each as two little-endian words
 //   add(x, n), swap(x)   n onto every low word; counters to their big-endian form
+//   follow(block, from)  a block, and behind it those at `from`, as far as there is room
 //   bit_xor, enc, enc_last, dec, dec_last
 #pragma once
 
@@ -81,43 +83,25 @@ class Kernel {
       x[i] = Lanes::dec_last(x[i], key);
   }
 
-  /// The counters of one step. Only where the low half wraps are they made one by one.
-  ZEL_KERNEL static void count_up(Vector (&x)[kVectors], const std::uint8_t *counter) noexcept {
-    const std::uint64_t high = load_be64(counter);
-    const std::uint64_t low = load_be64(counter + 8);
-    if (low <= UINT64_MAX - kStepBlocks) {
-      const Vector first = Lanes::counters(high, low);
-#pragma GCC unroll 8
-      for (std::size_t i = 0; i < kVectors; ++i)
-        x[i] = Lanes::swap(Lanes::add(first, i * Lanes::kBlocks));
-      return;
-    }
-    std::uint8_t each[kStepLen];
-    for (std::size_t i = 0; i < kStepBlocks; ++i) {
-      store_be64(each + kBlockLen * i, high + (low + i < low ? 1 : 0));
-      store_be64(each + kBlockLen * i + 8, low + i);
-    }
-    load(x, each);
-  }
-
-  // One step of each operation, over kStepBlocks blocks, and what becomes of the register.
-  // advance() is asked before the step, which may overwrite `in`.
+  // One step of each operation, over kStepBlocks blocks, and what becomes of its register.
 
   struct Encrypt {
+    struct Register {};
+    static Register begin(const std::uint8_t *) noexcept { return {}; }
+    static void end(std::uint8_t *, Register) noexcept {}
+    static Register advance(Register, const std::uint8_t *, std::size_t) noexcept { return {}; }
     ZEL_KERNEL static void step(std::uint8_t *out, const std::uint8_t *in, const std::uint8_t *keys,
-                                const std::uint8_t *) noexcept {
+                                Register) noexcept {
       Vector x[kVectors];
       load(x, in);
       encipher(x, keys);
       store(out, x);
     }
-    static void advance(std::uint8_t *, const std::uint8_t *, const std::uint8_t *,
-                        std::size_t) noexcept {}
   };
 
   struct Decrypt : Encrypt {
     ZEL_KERNEL static void step(std::uint8_t *out, const std::uint8_t *in, const std::uint8_t *keys,
-                                const std::uint8_t *) noexcept {
+                                typename Encrypt::Register) noexcept {
       Vector x[kVectors];
       load(x, in);
       decipher(x, keys);
@@ -126,45 +110,64 @@ class Kernel {
   };
 
   struct CbcDecrypt {
+    using Register = typename Lanes::Block;
+    static Register begin(const std::uint8_t *chain) noexcept { return Lanes::load_block(chain); }
+    static void end(std::uint8_t *chain, Register last) noexcept {
+      Lanes::store_block(chain, last);
+    }
+    static Register advance(Register, const std::uint8_t *in, std::size_t count) noexcept {
+      return begin(in + kBlockLen * (count - 1));
+    }
     ZEL_KERNEL static void step(std::uint8_t *out, const std::uint8_t *in, const std::uint8_t *keys,
-                                const std::uint8_t *chain) noexcept {
+                                Register before) noexcept {
       Vector x[kVectors];
-      Vector before[kVectors];
-      std::uint8_t seam[kStride];  // the register and the blocks that share its vector
-      std::memcpy(seam, chain, kBlockLen);
-      std::memcpy(seam + kBlockLen, in, kStride - kBlockLen);
-      before[0] = Lanes::load(seam);
-#pragma GCC unroll 8
-      for (std::size_t i = 1; i < kVectors; ++i)
-        before[i] = Lanes::load(in + kStride * i - kBlockLen);
       load(x, in);
       decipher(x, keys);
+      x[0] = Lanes::bit_xor(x[0], Lanes::follow(before, in));
 #pragma GCC unroll 8
-      for (std::size_t i = 0; i < kVectors; ++i)
-        x[i] = Lanes::bit_xor(x[i], before[i]);
+      for (std::size_t i = 1; i < kVectors; ++i)
+        x[i] = Lanes::bit_xor(x[i], Lanes::load(in + kStride * i - kBlockLen));
       store(out, x);
-    }
-    static void advance(std::uint8_t *next, const std::uint8_t *, const std::uint8_t *in,
-                        std::size_t count) noexcept {
-      std::memcpy(next, in + kBlockLen * (count - 1), kBlockLen);
     }
   };
 
   struct Count {
+    struct Register {
+      std::uint64_t high, low;
+    };
+    static Register begin(const std::uint8_t *counter) noexcept {
+      return {load_be64(counter), load_be64(counter + 8)};
+    }
+    static void end(std::uint8_t *counter, Register value) noexcept {
+      store_be64(counter, value.high);
+      store_be64(counter + 8, value.low);
+    }
+    static Register advance(Register value, const std::uint8_t *, std::size_t count) noexcept {
+      const std::uint64_t low = value.low + count;
+      return {value.high + (low < count ? 1 : 0), low};
+    }
+    /// Only where the low half wraps are the counters made one by one.
+    ZEL_KERNEL static void counters(Vector (&x)[kVectors], Register value) noexcept {
+      if (value.low <= UINT64_MAX - kStepBlocks) {
+        const Vector first = Lanes::counters(value.high, value.low);
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < kVectors; ++i)
+          x[i] = Lanes::swap(Lanes::add(first, i * Lanes::kBlocks));
+        return;
+      }
+      std::uint8_t each[kStepLen];
+      for (std::size_t i = 0; i < kStepBlocks; ++i)
+        end(each + kBlockLen * i, advance(value, nullptr, i));
+      load(x, each);
+    }
     ZEL_KERNEL static void step(std::uint8_t *out, const std::uint8_t *in, const std::uint8_t *keys,
-                                const std::uint8_t *counter) noexcept {
+                                Register value) noexcept {
       Vector x[kVectors];
-      count_up(x, counter);
+      counters(x, value);
       encipher(x, keys);
 #pragma GCC unroll 8
       for (std::size_t i = 0; i < kVectors; ++i)
         Lanes::store(out + kStride * i, Lanes::bit_xor(x[i], Lanes::load(in + kStride * i)));
-    }
-    static void advance(std::uint8_t *next, const std::uint8_t *counter, const std::uint8_t *,
-                        std::size_t count) noexcept {
-      const std::uint64_t low = load_be64(counter + 8);
-      store_be64(next, load_be64(counter) + (low + count < low ? 1 : 0));
-      store_be64(next + 8, low + count);
     }
   };
 
@@ -173,23 +176,22 @@ class Kernel {
   ZEL_KERNEL_ISA static void run(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                                  const void *schedule, std::uint8_t *chain) noexcept {
     const auto *const keys = static_cast<const std::uint8_t *>(schedule);
-    std::uint8_t reg[2][kBlockLen] = {};
-    if (chain != nullptr) std::memcpy(reg[0], chain, kBlockLen);
+    auto reg = Operation::begin(chain);
     for (; count >= kStepBlocks; count -= kStepBlocks, in += kStepLen, out += kStepLen) {
-      Operation::advance(reg[1], reg[0], in, kStepBlocks);
-      Operation::step(out, in, keys, reg[0]);
-      std::memcpy(reg[0], reg[1], kBlockLen);
+      const auto next = Operation::advance(reg, in, kStepBlocks);
+      Operation::step(out, in, keys, reg);
+      reg = next;
     }
     if (count > 0) {
       std::uint8_t rest[kStepLen] = {};
       std::memcpy(rest, in, count * kBlockLen);
-      Operation::advance(reg[1], reg[0], in, count);
-      Operation::step(rest, rest, keys, reg[0]);
-      std::memcpy(reg[0], reg[1], kBlockLen);
+      const auto next = Operation::advance(reg, rest, count);
+      Operation::step(rest, rest, keys, reg);
+      reg = next;
       std::memcpy(out, rest, count * kBlockLen);
       wipe(rest, sizeof rest);
     }
-    if (chain != nullptr) std::memcpy(chain, reg[0], kBlockLen);
+    Operation::end(chain, reg);
   }
 
  public:

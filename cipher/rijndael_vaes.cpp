@@ -12,6 +12,7 @@ namespace {
 
 struct Ymm {
   using Vector = __m256i;
+  using Block = __m128i;
   static constexpr std::size_t kBlocks = 2;
 
   ZEL_ISA_VAES static Vector load(const std::uint8_t *from) noexcept {
@@ -20,8 +21,14 @@ struct Ymm {
   ZEL_ISA_VAES static void store(std::uint8_t *to, Vector x) noexcept {
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(to), x);
   }
+  ZEL_ISA_VAES static Block load_block(const std::uint8_t *from) noexcept {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
+  }
+  ZEL_ISA_VAES static void store_block(std::uint8_t *to, Block x) noexcept {
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), x);
+  }
   ZEL_ISA_VAES static Vector key(const std::uint8_t *from) noexcept {
-    return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i *>(from)));
+    return _mm256_broadcastsi128_si256(load_block(from));
   }
   ZEL_ISA_VAES static Vector counters(std::uint64_t high, std::uint64_t low) noexcept {
     const auto h = static_cast<long long>(high);
@@ -34,6 +41,9 @@ struct Ymm {
   ZEL_ISA_VAES static Vector swap(Vector x) noexcept {
     return _mm256_shuffle_epi8(x, _mm256_broadcastsi128_si256(_mm_set_epi8(
                                       0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15)));
+  }
+  ZEL_ISA_VAES static Vector follow(Block block, const std::uint8_t *from) noexcept {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(block), load_block(from), 1);
   }
   ZEL_ISA_VAES static Vector bit_xor(Vector a, Vector b) noexcept { return _mm256_xor_si256(a, b); }
   ZEL_ISA_VAES static Vector enc(Vector x, Vector k) noexcept { return _mm256_aesenc_epi128(x, k); }
