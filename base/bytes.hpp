@@ -58,16 +58,6 @@ inline void store_le64(std::uint8_t *to, std::uint64_t value) noexcept { store_l
 inline void store_be32(std::uint8_t *to, std::uint32_t value) noexcept { store_be(to, value); }
 inline void store_be64(std::uint8_t *to, std::uint64_t value) noexcept { store_be(to, value); }
 
-/// to[i] = a[i] ^ b[i]; `to` may be `a` or `b`.
-inline void xor_bytes(std::uint8_t *to, const std::uint8_t *a, const std::uint8_t *b,
-                      std::size_t len) noexcept {
-  std::size_t i = 0;
-  for (; i + 8 <= len; i += 8)
-    store_le64(to + i, load_le64(a + i) ^ load_le64(b + i));
-  for (; i < len; ++i)
-    to[i] = static_cast<std::uint8_t>(a[i] ^ b[i]);
-}
-
 /// 16 bytes at any alignment, for copies and masks that every x86-64 does in one register.
 typedef std::uint8_t Bytes16 __attribute__((vector_size(16)));
 
@@ -98,6 +88,18 @@ inline void zero(void *to) noexcept {
   } else {
     std::memset(bytes, 0, kLen);
   }
+}
+
+/// to[i] = a[i] ^ b[i]; `to` may be `a` or `b`.
+inline void xor_bytes(std::uint8_t *to, const std::uint8_t *a, const std::uint8_t *b,
+                      std::size_t len) noexcept {
+  std::size_t i = 0;
+  for (; i + 16 <= len; i += 16)
+    store_bytes16(to + i, load_bytes16(a + i) ^ load_bytes16(b + i));
+  for (; i + 8 <= len; i += 8)
+    store_le64(to + i, load_le64(a + i) ^ load_le64(b + i));
+  for (; i < len; ++i)
+    to[i] = static_cast<std::uint8_t>(a[i] ^ b[i]);
 }
 
 template <class... Pointer>

@@ -87,6 +87,26 @@ void copy(std::uint8_t *out, const std::uint8_t *in, std::size_t len) noexcept {
   if (out != in && len != 0) std::memmove(out, in, len);
 }
 
+/// Writes `count` successive counters and advances the counter behind them.
+void count_up(std::uint8_t *to, std::size_t count, std::uint8_t *counter,
+              std::size_t block_len) noexcept {
+  if (block_len == 8 || block_len == 16) {
+    const std::size_t high_len = block_len - 8;
+    std::uint64_t low = load_be64(counter + high_len);
+    for (; count > 0; --count, to += block_len) {
+      if (high_len != 0) store_le64(to, load_le64(counter));
+      store_be64(to + high_len, low);
+      if (++low == 0) increment(counter, high_len);
+    }
+    store_be64(counter + high_len, low);
+    return;
+  }
+  for (; count > 0; --count, to += block_len) {
+    std::memcpy(to, counter, block_len);
+    increment(counter, block_len);
+  }
+}
+
 }  // namespace
 
 const Ops *ops_for(BCIPHER_BLOCK_FN encrypt_block) noexcept {
@@ -119,10 +139,7 @@ void Cipher::ctr(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
     return ops_->ctr(out, in, count, round_keys_, counter);
   Batch stream(count * block_len_);
   in_batches(out, in, count, block_len_, [&](auto *to, const auto *from, std::size_t now) {
-    for (std::size_t i = 0; i < now; ++i) {
-      std::memcpy(stream.data() + i * block_len_, counter, block_len_);
-      increment(counter, block_len_);
-    }
+    count_up(stream.data(), now, counter, block_len_);
     encrypt(stream.data(), stream.data(), now);
     xor_bytes(to, from, stream.data(), now * block_len_);
   });

@@ -40,18 +40,29 @@ using ChainedFn = void (*)(std::uint8_t *out, const std::uint8_t *in, std::size_
 using SerialFn = void (*)(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                           const void *round_keys, std::uint8_t *chain);
 
+/// to ^= from, one block, by words of four bytes: the scalar ciphers store such words, and a wider
+/// load would have to wait for them.
+inline void add_block(std::uint8_t *to, const std::uint8_t *from, std::size_t len) noexcept {
+  std::size_t i = 0;
+  for (; i + 4 <= len; i += 4)
+    store_le32(to + i, load_le32(to + i) ^ load_le32(from + i));
+  for (; i < len; ++i)
+    to[i] = static_cast<std::uint8_t>(to[i] ^ from[i]);
+}
+
 /// The serial modes over `encipher(block)`, which enciphers one block of `len` bytes in place.
-template <class Encipher>
+/// `len` is a number, or a std::integral_constant where the caller knows it.
+template <class Len, class Encipher>
 void serial_blocks(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
-                   std::uint8_t *chain, std::size_t len, Encipher encipher) noexcept {
+                   std::uint8_t *chain, Len len, Encipher encipher) noexcept {
   Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]> held;
   std::uint8_t *const reg = *held;
   std::memcpy(reg, chain, len);
   for (; count > 0; --count, in += len) {
-    if (kind == Chain::kCbcEncrypt || kind == Chain::kCbcMac) xor_bytes(reg, reg, in, len);
+    if (kind == Chain::kCbcEncrypt || kind == Chain::kCbcMac) add_block(reg, in, len);
     encipher(reg);
     if (kind == Chain::kCbcMac) continue;
-    if (kind == Chain::kCfbEncrypt) xor_bytes(reg, reg, in, len);
+    if (kind == Chain::kCfbEncrypt) add_block(reg, in, len);
     if (kind == Chain::kOfb) {
       xor_bytes(out, reg, in, len);
     } else {

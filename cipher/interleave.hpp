@@ -56,7 +56,8 @@ struct Interleaved {
   static void serial(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                      const void *round_keys, std::uint8_t *chain) noexcept {
     const auto *keys = static_cast<const std::uint8_t *>(round_keys);
-    serial_blocks(kind, out, in, count, chain, kBlockLen,
+    constexpr std::integral_constant<std::size_t, kBlockLen> kLen;
+    serial_blocks(kind, out, in, count, chain, kLen,
                   [keys](std::uint8_t *block) { Kernel::template encrypt<1>(block, block, keys); });
   }
 
