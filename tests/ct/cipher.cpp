@@ -1,0 +1,69 @@
+// Block ciphers: which of them neither branch on nor index by keys and blocks.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "base/cpu.hpp"
+#include "cipher/bulk.hpp"
+#include "tests/ct/probe.hpp"
+#include "zel_cc.h"
+
+namespace zel::test {
+namespace {
+
+using Buffer = std::array<std::uint8_t, 5000>;
+
+Buffer numbers() {
+  Buffer bytes;
+  std::uint32_t word = 1;
+  for (std::uint8_t &byte : bytes)
+    byte = static_cast<std::uint8_t>((word = word * 1664525 + 1013904223) >> 24);
+  return bytes;
+}
+
+/// Key schedule, `count` blocks forth and back, with key and blocks secret.
+void forth_and_back(const BCIPHER_ALGORITHM &cipher, std::uint32_t key_len, std::size_t count) {
+  const Buffer plain = numbers();
+  Buffer key = plain, round_keys, blocks = plain;
+  secret(key);
+  secret(blocks);
+  cipher.MakeRoundKey(round_keys.data(), key.data(), key_len);
+  const bulk::Cipher keyed(cipher.block_len, cipher.EncryptBlock, cipher.DecryptBlock,
+                           round_keys.data());
+  keyed.encrypt(blocks.data(), blocks.data(), count);
+  keyed.encrypt_block(blocks.data());
+  open(blocks);
+  require(!std::equal(plain.begin(), plain.begin() + cipher.block_len, blocks.begin()), "cipher");
+  secret(blocks);
+  keyed.decrypt_block(blocks.data());
+  keyed.decrypt(blocks.data(), blocks.data(), count);
+  open(blocks);
+  require(blocks == plain, "blocks forth and back");
+}
+
+void approved_ciphers() {
+  forth_and_back(aria, 16, 70);
+  forth_and_back(aria192, 24, 33);
+  forth_and_back(aria256, 32, 5);
+  forth_and_back(seed, 16, 70);
+}
+
+const Probe kApproved{"ARIA and SEED with AES instructions", [] {
+                        if (cpu::has(cpu::Feature::kAesni)) approved_ciphers();
+                      }};
+const Probe kTables{"ARIA and SEED by tables",
+                    [] {
+                      const std::uint32_t features = cpu::g_features.exchange(cpu::kAsked);
+                      approved_ciphers();
+                      cpu::g_features.store(features);
+                    },
+                    true};
+const Probe kAes{"AES, by instructions and in slices", [] {
+                   forth_and_back(rijndael, 16, 70);
+                   forth_and_back(rijndael256, 32, 5);
+                 }};
+const Probe kRc5{"RC5", [] { forth_and_back(rc5, 16, 70); }};
+const Probe kBlowfish{"Blowfish", [] { forth_and_back(blowfish, 16, 9); }, true};
+
+}  // namespace
+}  // namespace zel::test
