@@ -58,10 +58,6 @@ const Probe kTables{"ARIA and SEED by tables",
                       cpu::g_features.store(features);
                     },
                     true};
-const Probe kAes{"AES, by instructions and in slices", [] {
-                   forth_and_back(rijndael, 16, 70);
-                   forth_and_back(rijndael256, 32, 5);
-                 }};
 const Probe kRc5{"RC5", [] { forth_and_back(rc5, 16, 70); }};
 const Probe kBlowfish{"Blowfish", [] { forth_and_back(blowfish, 16, 9); }, true};
 
