@@ -38,8 +38,9 @@ struct Kernel {
     const std::ptrdiff_t stride = step * static_cast<std::ptrdiff_t>(sizeof(std::uint32_t));
     std::uint32_t left[N], right[N];
     bulk::each<N>([&](auto i) {
-      left[i] = load_be32(in + 8 * i) ^ load_le32(p);
-      right[i] = load_be32(in + 8 * i + 4);
+      const std::uint64_t block = load_be64(in + 8 * i);
+      left[i] = static_cast<std::uint32_t>(block >> 32) ^ load_le32(p);
+      right[i] = static_cast<std::uint32_t>(block);
     });
     for (std::size_t round = 0; round < kRounds; round += 2) {
       const std::uint32_t odd = load_le32(p += stride);
@@ -48,10 +49,8 @@ struct Kernel {
       bulk::each<N>([&](auto i) { left[i] ^= f(keys, right[i]) ^ even; });
     }
     const std::uint32_t last = load_le32(p + stride);
-    bulk::each<N>([&](auto i) {
-      store_be32(out + 8 * i, right[i] ^ last);
-      store_be32(out + 8 * i + 4, left[i]);
-    });
+    bulk::each<N>(
+        [&](auto i) { store_be64(out + 8 * i, std::uint64_t{right[i] ^ last} << 32 | left[i]); });
   }
 
   template <std::size_t N>

@@ -41,8 +41,9 @@ struct Kernel {
   static void crypt(std::uint8_t *out, const std::uint8_t *in, const std::uint8_t *keys) noexcept {
     std::uint32_t words[2][N];
     bulk::each<N>([&](auto i) {
-      words[0][i] = load_be32(in + 8 * i);
-      words[1][i] = load_be32(in + 8 * i + 4);
+      const std::uint64_t block = load_be64(in + 8 * i);
+      words[0][i] = static_cast<std::uint32_t>(block >> 32);
+      words[1][i] = static_cast<std::uint32_t>(block);
     });
     bulk::each<kRounds>([&](auto step) {
       constexpr std::size_t kRound = kOrder == Order::kUp ? step : kRounds - 1 - step;
@@ -51,10 +52,8 @@ struct Kernel {
       bulk::each<N>(
           [&](auto i) { words[step % 2][i] ^= f<kRound>(words[1 - step % 2][i], mask, rotation); });
     });
-    bulk::each<N>([&](auto i) {
-      store_be32(out + 8 * i, words[1][i]);
-      store_be32(out + 8 * i + 4, words[0][i]);
-    });
+    bulk::each<N>(
+        [&](auto i) { store_be64(out + 8 * i, std::uint64_t{words[1][i]} << 32 | words[0][i]); });
   }
 
   template <std::size_t N>
