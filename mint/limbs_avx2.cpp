@@ -10,25 +10,14 @@ namespace {
 
 constexpr std::size_t kLanes = 4;
 
-/// One column of the table, kVectors registers wide.
-template <std::size_t kVectors>
-ZEL_ISA_AVX2 void look_up_column(Limb *r, const Limb *table, std::size_t rows, std::size_t n,
-                                 __m256i index) noexcept {
-  __m256i sum[kVectors];
-  for (auto &lane : sum)
-    lane = _mm256_setzero_si256();
-  __m256i row = _mm256_setzero_si256();
-  for (std::size_t i = 0; i < rows; ++i, table += n) {
-    const __m256i mask = _mm256_cmpeq_epi64(row, index);
-    row = _mm256_add_epi64(row, _mm256_set1_epi64x(1));
-    for (std::size_t v = 0; v < kVectors; ++v) {
-      const __m256i entry =
-          _mm256_loadu_si256(reinterpret_cast<const __m256i *>(table + v * kLanes));
-      sum[v] = _mm256_or_si256(sum[v], _mm256_and_si256(entry, mask));
-    }
-  }
-  for (std::size_t v = 0; v < kVectors; ++v)
-    _mm256_storeu_si256(reinterpret_cast<__m256i *>(r + v * kLanes), sum[v]);
+ZEL_ISA_AVX2 inline __m256i load(const Limb *from) noexcept {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(from));
+}
+ZEL_ISA_AVX2 inline void store(Limb *to, __m256i lanes) noexcept {
+  _mm256_storeu_si256(reinterpret_cast<__m256i *>(to), lanes);
+}
+ZEL_ISA_AVX2 inline __m256i add_masked(__m256i sum, const Limb *from, __m256i mask) noexcept {
+  return _mm256_or_si256(sum, _mm256_and_si256(load(from), mask));
 }
 
 }  // namespace
@@ -36,11 +25,33 @@ ZEL_ISA_AVX2 void look_up_column(Limb *r, const Limb *table, std::size_t rows, s
 ZEL_ISA_AVX2 void look_up_avx2(Limb *r, const Limb *table, std::size_t rows, std::size_t n,
                                std::size_t index) noexcept {
   const __m256i wanted = _mm256_set1_epi64x(static_cast<long long>(index));
+  const __m256i one = _mm256_set1_epi64x(1);
   std::size_t i = 0;
-  for (; i + 4 * kLanes <= n; i += 4 * kLanes)
-    look_up_column<4>(r + i, table + i, rows, n, wanted);
-  for (; i < n; i += kLanes)
-    look_up_column<1>(r + i, table + i, rows, n, wanted);
+  for (; i + 4 * kLanes <= n; i += 4 * kLanes) {
+    __m256i sum0 = _mm256_setzero_si256(), sum1 = sum0, sum2 = sum0, sum3 = sum0, row = sum0;
+    const Limb *from = table + i;
+    for (std::size_t left = rows; left != 0; --left, from += n) {
+      const __m256i mask = _mm256_cmpeq_epi64(row, wanted);
+      row = _mm256_add_epi64(row, one);
+      sum0 = add_masked(sum0, from, mask);
+      sum1 = add_masked(sum1, from + kLanes, mask);
+      sum2 = add_masked(sum2, from + 2 * kLanes, mask);
+      sum3 = add_masked(sum3, from + 3 * kLanes, mask);
+    }
+    store(r + i, sum0);
+    store(r + i + kLanes, sum1);
+    store(r + i + 2 * kLanes, sum2);
+    store(r + i + 3 * kLanes, sum3);
+  }
+  for (; i < n; i += kLanes) {
+    __m256i sum = _mm256_setzero_si256(), row = sum;
+    const Limb *from = table + i;
+    for (std::size_t left = rows; left != 0; --left, from += n) {
+      sum = add_masked(sum, from, _mm256_cmpeq_epi64(row, wanted));
+      row = _mm256_add_epi64(row, one);
+    }
+    store(r + i, sum);
+  }
 }
 
 }  // namespace zel::limbs
