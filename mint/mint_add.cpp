@@ -36,14 +36,13 @@ std::uint32_t ripple(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t 
     Limb y = 0;
     std::memcpy(&x, a + i, sizeof x);
     std::memcpy(&y, b + i, sizeof y);
-    const DoubleLimb result = Op::template step<DoubleLimb>(x, y, carry);
+    const auto result = Op::template step<DoubleLimb>(x, y, carry);
     x = static_cast<Limb>(result);
     carry = static_cast<std::uint32_t>(result >> limbs::kLimbBits) & 1;
     std::memcpy(r + i, &x, sizeof x);
   }
   for (; i < b_len || (i < a_len && carry != 0); ++i) {
-    const std::uint64_t result =
-        Op::template step<std::uint64_t>(a[i], i < b_len ? b[i] : 0, carry);
+    const auto result = Op::template step<std::uint64_t>(a[i], i < b_len ? b[i] : 0, carry);
     r[i] = static_cast<std::uint32_t>(result);
     carry = static_cast<std::uint32_t>(result >> 32) & 1;
   }

@@ -6,8 +6,6 @@
 namespace zel {
 namespace {
 
-using mint::kWords;
-
 constexpr std::uint32_t kDivisionWords = 2 * mint::kDivisionLimbs;
 using Work = mint::Limbs<mint::kDivisionLimbs + 1>;
 

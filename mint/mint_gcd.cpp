@@ -140,7 +140,7 @@ class Euclid {
 
   /// The coefficients take the steps that the numbers took.
   void follow(const Steps &steps) noexcept {
-    odd_ ^= steps.odd;
+    odd_ = odd_ != steps.odd;
     if (!cofactor_) return;
     const std::size_t n = t_size_;
     next_t0_[n] = limbs::mul_1(next_t0_, t0_, n, steps.x0);

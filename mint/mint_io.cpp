@@ -76,7 +76,7 @@ int32_t MINT_SetByHexString(MINT *a, const char *hex) {
 void MINT_SetByByteArray(MINT *a, const uint8_t *bytes, int32_t n) {
   a->length = 0;
   if (n <= 0) return;
-  std::size_t left = static_cast<std::size_t>(n);
+  auto left = static_cast<std::size_t>(n);
   if (left > ZEL_MINT_BYTES) {
     bytes += left - ZEL_MINT_BYTES;
     left = ZEL_MINT_BYTES;
@@ -115,7 +115,7 @@ int32_t MINT_ReadFromBuffer(MINT *a, const uint8_t *in, uint32_t in_len) {
   a->length = count;
   if (count != 0 && kBytesPerWord * (count + std::size_t{1}) > in_len) return ZEL_ERR_GENERIC;
   for (std::uint32_t i = 0; i < count; ++i)
-    a->words[i] = load_be32(in + kBytesPerWord * (count - i));
+    a->words[i] = load_be32(in + std::size_t{kBytesPerWord} * (count - i));
   return ZEL_OK;
 }
 

@@ -98,6 +98,7 @@ struct Level {
 /// r[a_len + b_len] = a * b, for a_len >= b_len. `base` multiplies what is not split; given equal
 /// factors it only ever sees equal factors. Every level halves the length, whatever the depth.
 template <class Base>
+// NOLINTNEXTLINE(misc-no-recursion): eight levels at most, for kWords words
 void karatsuba(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t *a, std::uint32_t b_len,
                const std::uint32_t *b, std::uint32_t depth, const Base &base) noexcept {
   if (depth == 0 || b_len <= 1 || a_len > kWords) {
@@ -125,7 +126,7 @@ void karatsuba(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t *a, st
 
   const std::uint32_t b_high = b_len - low;
   karatsuba(r, low, a, low, b, depth - 1, base);
-  karatsuba(r + 2 * low, high, a + low, b_high, b + low, depth - 1, base);
+  karatsuba(r + std::size_t{2} * low, high, a + low, b_high, b + low, depth - 1, base);
 
   // Without top zero words the longer array is the greater one.
   const auto difference = [low](std::uint32_t *to, const std::uint32_t *x, std::uint32_t x_high) {
@@ -140,7 +141,7 @@ void karatsuba(std::uint32_t *r, std::uint32_t a_len, const std::uint32_t *a, st
   karatsuba(level->product, low, level->a_difference, low, level->b_difference, depth - 1, base);
 
   std::uint32_t len = 0;
-  MINT_Add_Core(&len, level->middle, 2 * low, r, high + b_high, r + 2 * low);
+  MINT_Add_Core(&len, level->middle, 2 * low, r, high + b_high, r + std::size_t{2} * low);
   const std::uint32_t product_len = mint::significant(level->product, 2 * low);
   if (sign > 0)
     MINT_Sub_Core(&len, level->middle, mint::significant(level->middle, len), level->middle,
