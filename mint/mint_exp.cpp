@@ -23,8 +23,7 @@ constexpr std::uint32_t kWidestWindow = 23;
 
 void set_limbs(MINT &r, const Limb *x, std::size_t n) noexcept {
   limbs::to_words(r.words, kWords, x, n);
-  r.length = kWords;
-  trim(r);
+  trim_secret(r);
 }
 
 /// A power for an odd N as the limb layer takes it, the base entered already.
@@ -62,6 +61,25 @@ std::int32_t power_odd(MINT &r, const MINT &a, const MINT &e, const MINT &N,
                        std::size_t bits) noexcept {
   OddPower power(a, e, N, bits);
   return power.finish(r, raise(power.power()));
+}
+
+/// The same for public values, whose top exponent bit is set.
+std::int32_t power_odd_public(MINT &r, const MINT &a, const MINT &e, const MINT &N,
+                              std::size_t bits) noexcept {
+  Modulus modulus;
+  Limb x[kMontgomeryLimbs];
+  const Narrow value(N.words, significant(N));
+  prepare_public(modulus, value.data(), value.size());
+  const Narrow base(a);
+  enter_public(modulus, x, base.data(), base.size());
+  const Narrow exponent(e);
+  if (!raise_public({&modulus, x, x, exponent.data(), bits})) {
+    set_word(r, 0);
+    return ZEL_ERR_GENERIC;
+  }
+  leave(modulus, x, x);
+  set_limbs(r, x, modulus.n);
+  return ZEL_OK;
 }
 
 /// x[n] = t[nt] mod N[n]; t has a limb above.
@@ -163,7 +181,7 @@ int32_t MINT_ExpWin(MINT *r, const MINT *a, const MINT *e, const MINT *N, uint32
     return ZEL_OK;
   }
   if (window == 0 || window > kWidestWindow) return ZEL_ERR_GENERIC;
-  if (is_odd(*N)) return power_odd(*r, *a, *e, *N, bits);
+  if (is_odd(*N)) return power_odd_public(*r, *a, *e, *N, bits);
   power_classic(*r, *a, *e, *N, bits);
   return ZEL_OK;
 }

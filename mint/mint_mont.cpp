@@ -150,7 +150,7 @@ int32_t MINT_mont_mul_mod(MINT *r, const MINT *a, const MINT *b, const MINT_MONT
     limbs::mul(t.data(), x.data(), x.size(), y.data(), y.size());
   }
   reduce(*r, t, reducer);
-  trim(*r);
+  trim_secret(*r);
   return 1;
 }
 
@@ -191,8 +191,7 @@ int32_t MINT_from_mont(MINT *r, const MINT *t, const MINT_MONT_CTX *mont) {
   const Limb borrow = limbs::sub(less.data(), result.data(), result.size(), N.data(), N.size());
   limbs::select(result.data(), ct::mask_of_bit(borrow), result.data(), less.data(), result.size());
   limbs::to_words(r->words, kWords, result.data(), result.size());
-  r->length = kWords;
-  trim(*r);
+  trim_secret(*r);
   return 1;
 }
 

@@ -7,6 +7,7 @@
 #include "base/cpu.hpp"
 #include "base/ct.hpp"
 #include "base/wipe.hpp"
+#include "mint/division.hpp"
 #include "mint/limbs_adx.hpp"
 #include "mint/limbs_avx2.hpp"
 
@@ -158,7 +159,7 @@ void power_of_two(const Modulus &m, Limb *r, std::size_t exponent) noexcept {
   }
 }
 
-void prepare(Modulus &m, const Limb *N, std::size_t n) noexcept {
+void prepare_public(Modulus &m, const Limb *N, std::size_t n) noexcept {
   m.n = working_limbs(n);
   m.blocks =
       m.n % kBlock == 0 && cpu::has(cpu::Feature::kBmi2, cpu::Feature::kAdx) ? m.n / kBlock : 0;
@@ -170,7 +171,24 @@ void prepare(Modulus &m, const Limb *N, std::size_t n) noexcept {
   const limbs::DoubleLimb inverse = limbs::DoubleLimb{0} - low * (2 - modulus * low);
   m.inverse[0] = static_cast<Limb>(inverse);
   m.inverse[1] = static_cast<Limb>(inverse >> kLimbBits);
+}
+
+void prepare(Modulus &m, const Limb *N, std::size_t n) noexcept {
+  prepare_public(m, N, n);
   power_of_two(m, m.square, m.n * kLimbBits);
+}
+
+void enter_public(const Modulus &m, Limb *r, const Limb *a, std::size_t na) noexcept {
+  Limb divisor[kMontgomeryLimbs];
+  Limb t[limbs::kMaxLimbs + kMontgomeryLimbs + 1];
+  const std::size_t n = limbs::significant(m.value, m.n);
+  limbs::copy(divisor, m.value, n);
+  limbs::zero(t, m.n);
+  limbs::copy(t + m.n, a, na);
+  NoEvents events;
+  divide(nullptr, t, m.n + na, divisor, n, events);
+  limbs::copy(r, t, n);
+  limbs::zero(r + n, m.n - n);
 }
 
 bool raise(const Power &power) noexcept {
@@ -208,6 +226,47 @@ bool raise(const Power &power) noexcept {
     multiply(m, *sum, *sum, *factor, *t);
   }
   limbs::copy(power.r, *sum, n);
+  return true;
+}
+
+bool raise_public(const Power &power) noexcept {
+  // Windows that begin and end with a one: the table holds odd powers.
+  const Modulus &m = *power.m;
+  const std::size_t n = m.n;
+  const std::size_t window = std::min(window_of(power.bits), 5U);
+  const std::size_t rows = std::size_t{1} << (window - 1);
+  Scratch<Limb> table(rows * n + kLineLimbs);
+  if (!table) return false;
+  Limb *const powers = line_aligned(table.data());
+  Product t;
+  Limb sum[kMontgomeryLimbs];
+  limbs::copy(powers, power.a, n);
+  if (rows > 1) square(m, sum, powers, t);
+  for (std::size_t row = 1; row < rows; ++row)
+    multiply(m, powers + row * n, powers + (row - 1) * n, sum, t);
+
+  std::size_t at = power.bits;
+  for (bool started = false; at != 0;) {
+    if (digit(power.e, at - 1, 1) == 0) {
+      square(m, sum, sum, t);
+      --at;
+      continue;
+    }
+    std::size_t count = std::min(window, at);
+    while (digit(power.e, at - count, 1) == 0)
+      --count;
+    at -= count;
+    const Limb *const factor = powers + (digit(power.e, at, count) >> 1) * n;
+    if (!started) {
+      limbs::copy(sum, factor, n);
+      started = true;
+      continue;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+      square(m, sum, sum, t);
+    multiply(m, sum, sum, factor, t);
+  }
+  limbs::copy(power.r, sum, n);
   return true;
 }
 

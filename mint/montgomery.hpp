@@ -5,7 +5,8 @@
 // carry out of the top is ever subtracted (S. Gueron, "Efficient software implementations of
 // modular exponentiation", 2011), so only `leave` brings a result below N.
 //
-// Constant time in the values, the modulus included: the lengths alone decide.
+// Constant time in the values, the modulus included: the lengths alone decide, but for the
+// functions named public.
 #pragma once
 
 #include "mint/limbs.hpp"
@@ -29,12 +30,17 @@ struct Modulus {
 /// Prepares for the odd number N[n], whose top limb is not zero; 1 <= n <= kMaxLimbs.
 void prepare(Modulus &m, const Limb *N, std::size_t n) noexcept;
 
+/// Prepares for a public modulus and `enter_public`: all but `square`.
+void prepare_public(Modulus &m, const Limb *N, std::size_t n) noexcept;
+
 /// r = a * b / R; r may be an operand.
 void multiply(const Modulus &m, Limb *r, const Limb *a, const Limb *b) noexcept;
 /// r = a * a / R; r may be a.
 void square(const Modulus &m, Limb *r, const Limb *a) noexcept;
 /// r = a * R for a number a[na] of any length; r may be a.
 void enter(const Modulus &m, Limb *r, const Limb *a, std::size_t na) noexcept;
+/// r = a * R for a public number a[na], na <= kMaxLimbs, by division; r may be a.
+void enter_public(const Modulus &m, Limb *r, const Limb *a, std::size_t na) noexcept;
 /// r = a / R, below N; r may be a.
 void leave(const Modulus &m, Limb *r, const Limb *a) noexcept;
 /// r = 2^exponent * R.
@@ -56,6 +62,9 @@ struct Power {
 
 /// Raises to a power. False, with r untouched, when there is no memory for the table.
 [[nodiscard]] bool raise(const Power &power) noexcept;
+
+/// The same for a public exponent whose top bit is set; the time shows the exponent.
+[[nodiscard]] bool raise_public(const Power &power) noexcept;
 
 /// Two independent powers, such as the halves of an RSA private operation.
 [[nodiscard]] bool raise_two(const Power &first, const Power &second) noexcept;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "mint/limbs.hpp"
 #include "zel_cc/mint.h"
@@ -28,6 +29,14 @@ inline std::uint32_t significant(const std::uint32_t *words, std::uint32_t len) 
 inline std::uint32_t significant(const MINT &a) noexcept { return significant(a.words, used(a)); }
 
 inline void trim(MINT &a) noexcept { a.length = significant(a); }
+
+/// The same for a secret of which all 130 words are set: no branch asks where it ends.
+inline void trim_secret(MINT &a) noexcept {
+  std::uint32_t len = 0;
+  for (std::uint32_t i = 0; i < kWords; ++i)
+    len = ct::select(ct::mask_if_zero(a.words[i]), len, i + 1);
+  a.length = len;
+}
 
 inline void set_word(MINT &a, std::uint32_t value) noexcept {
   a.words[0] = value;

@@ -1,6 +1,8 @@
 // Powers with a secret exponent, for the signature schemes.
 #pragma once
 
+#include <cstdint>
+
 #include "zel_cc/mint.h"
 
 namespace zel::mint {

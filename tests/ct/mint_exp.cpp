@@ -1,0 +1,80 @@
+// Powers with secret exponents, and the multiplication and reduction under them.
+#include "mint/secret_exp.hpp"
+#include "tests/ct/probe.hpp"
+#include "zel_cc.h"
+
+namespace zel::test {
+namespace {
+
+/// Words that no test needs to be random; odd, and the top bit set.
+MINT number(std::uint32_t len, std::uint32_t first) {
+  MINT a = {};
+  a.length = len;
+  for (std::uint32_t i = 0; i < len; ++i)
+    a.words[i] = first = first * 1664525 + 1013904223;
+  a.words[0] |= 1;
+  a.words[len - 1] |= 1U << 31;
+  return a;
+}
+
+/// All words but the top one of the exponent and the modulus: their bit lengths are public.
+void power(std::uint32_t n_len, std::uint32_t a_len, std::uint32_t e_len) {
+  MINT n = number(n_len, 3), a = number(a_len, 4), e = number(e_len, 5), r;
+  MINT want;
+  MINT_ExpWin(&want, &a, &e, &n, 4);
+  secret(a.words, sizeof a.words);
+  secret(e.words, 4 * (e_len - 1));
+  // The lowest word of the modulus shows that it is odd.
+  if (n_len > 2) secret(n.words + 1, 4 * (n_len - 2));
+  require(MINT_mont_exp_mod(&r, &a, &e, &n) == ZEL_OK, "status");
+  open(r);
+  require(MINT_Compare(&r, &want) == 0, "MINT_mont_exp_mod");
+  open(a);
+  secret(e.words, sizeof e.words);
+  mint::SecretPower half{&r, &a, &e, &n, 32 * e_len};
+  require(mint::power_secret(half) == ZEL_OK, "status");
+  open(r);
+  require(MINT_Compare(&r, &want) == 0, "power_secret");
+  MINT other;
+  mint::SecretPower other_half{&other, &a, &e, &n, 32 * e_len};
+  require(mint::power_secret_two(half, other_half) == ZEL_OK, "status");
+  open(other);
+  require(MINT_Compare(&other, &want) == 0, "power_secret_two");
+}
+
+const Probe kPowers{"powers with a secret exponent", [] {
+                      // Whole blocks, padded ones, odd words, every window.
+                      power(32, 32, 32);
+                      power(30, 30, 8);
+                      power(5, 11, 5);
+                      power(1, 1, 1);
+                      power(7, 3, 2);
+                      power(64, 65, 3);
+                      power(130, 130, 1);
+                    }};
+
+const Probe kMontgomery{"Montgomery multiplication and reduction", [] {
+                          for (const std::uint32_t len : {1U, 5U, 32U, 65U}) {
+                            const MINT n = number(len, 7);
+                            MINT_MONT_CTX mont;
+                            MINT_mont_set(&mont, &n);
+                            MINT a = number(len, 8), b = number(len, 9), r;
+                            secret(a.words, sizeof a.words);
+                            secret(b.words, sizeof b.words);
+                            MINT_mont_mul_mod(&r, &a, &b, &mont);
+                            MINT_mont_mul_mod(&r, &a, &a, &mont);
+                            MINT_from_mont_word(&r, &a, &mont);
+                            MINT_from_mont(&r, &b, &mont);
+                          }
+                        }};
+
+const Probe kPublicPower{"MINT_ExpWin, which is for public values",
+                         [] {
+                           MINT n = number(16, 3), a = number(16, 4), e = number(5, 5), r;
+                           secret(e.words, 4 * 4);
+                           MINT_ExpWin(&r, &a, &e, &n, 4);
+                         },
+                         true};
+
+}  // namespace
+}  // namespace zel::test
