@@ -114,22 +114,38 @@ class Euclid {
     return shift == 0 ? top : (top << shift) | (below >> (limbs::kLimbBits - shift));
   }
 
-  /// to = a * x - b * y, which is not negative and not longer than the pair.
-  void combine(Limb *to, const Limb *a, Limb x, const Limb *b, Limb y) const noexcept {
-    limbs::mul_1(to, a, size_, x);
-    limbs::submul_1(to, b, size_, y);
+  /// to = a * x + b * y + least, without what leaves the top.
+  static Limb sum_of_products(Limb *to, const Limb *a, Limb x, const Limb *b, Limb y, Limb least,
+                              std::size_t n) noexcept {
+    limbs::zero(to, n);
+    to[0] = least;
+    const Limb top = limbs::add_row(to, a, n, x);
+    return top + limbs::add_row(to, b, n, y);
+  }
+
+  /// to = a * x - b * y, which is not negative and not longer than the pair. -b is the complement
+  /// of b and one more.
+  void combine(Limb *to, const Limb *a, Limb x, const Limb *not_b, Limb y) const noexcept {
+    sum_of_products(to, a, x, not_b, y, y, size_);
+  }
+
+  void complement(Limb *to, const Limb *from) const noexcept {
+    for (std::size_t i = 0; i < size_; ++i)
+      to[i] = ~from[i];
   }
 
   bool leading_round() noexcept {
     const auto shift = static_cast<unsigned>(std::countl_zero(u_[size_ - 1]));
     const Steps steps = leading_steps(leading(u_, shift), leading(v_, shift));
     if (steps.none()) return false;
+    complement(not_u_, u_);
+    complement(not_v_, v_);
     if (steps.odd) {
-      combine(next_u_, v_, steps.y0, u_, steps.x0);
-      combine(next_v_, u_, steps.x1, v_, steps.y1);
+      combine(next_u_, v_, steps.y0, not_u_, steps.x0);
+      combine(next_v_, u_, steps.x1, not_v_, steps.y1);
     } else {
-      combine(next_u_, u_, steps.x0, v_, steps.y0);
-      combine(next_v_, v_, steps.y1, u_, steps.x1);
+      combine(next_u_, u_, steps.x0, not_v_, steps.y0);
+      combine(next_v_, v_, steps.y1, not_u_, steps.x1);
     }
     std::swap(u_, next_u_);
     std::swap(v_, next_v_);
@@ -143,10 +159,8 @@ class Euclid {
     odd_ = odd_ != steps.odd;
     if (!cofactor_) return;
     const std::size_t n = t_size_;
-    next_t0_[n] = limbs::mul_1(next_t0_, t0_, n, steps.x0);
-    next_t0_[n] += limbs::addmul_1(next_t0_, t1_, n, steps.y0);
-    next_t1_[n] = limbs::mul_1(next_t1_, t0_, n, steps.x1);
-    next_t1_[n] += limbs::addmul_1(next_t1_, t1_, n, steps.y1);
+    next_t0_[n] = sum_of_products(next_t0_, t0_, steps.x0, t1_, steps.y0, 0, n);
+    next_t1_[n] = sum_of_products(next_t1_, t0_, steps.x1, t1_, steps.y1, 0, n);
     std::swap(t0_, next_t0_);
     std::swap(t1_, next_t1_);
     fit_cofactors(n + 1);
@@ -192,7 +206,7 @@ class Euclid {
     follow(steps);
   }
 
-  Limb area_[11 * kRoom] = {};
+  Limb area_[13 * kRoom] = {};
   Limb *u_ = area_;
   Limb *v_ = u_ + kRoom;
   Limb *next_u_ = v_ + kRoom;
@@ -202,7 +216,9 @@ class Euclid {
   Limb *next_t0_ = t1_ + kRoom;
   Limb *next_t1_ = next_t0_ + kRoom;
   Limb *quotient_ = next_t1_ + kRoom;
-  Limb *product_ = quotient_ + kRoom;
+  Limb *product_ = quotient_ + kRoom;  // 2 * kRoom
+  Limb *not_u_ = product_ + 2 * kRoom;
+  Limb *not_v_ = not_u_ + kRoom;
   std::size_t size_ = 0;
   std::size_t t_size_ = 1;
   bool cofactor_;

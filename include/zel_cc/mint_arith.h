@@ -93,7 +93,7 @@ ZEL_API int32_t MINT_Sub_Core(uint32_t *r_len, uint32_t *r, uint32_t a_len, cons
 /** @{ */
 
 /**
- * Multiplies. Keeps the low 4160 bits. A zero operand gives zero.
+ * Multiplies, in a time that the lengths decide. Keeps the low 4160 bits. A zero operand gives zero.
  *
  * @param[out] r  a * b; length of `a` plus length of `b`, at most 130, not trimmed
  * @param[in]  a  one value
@@ -111,7 +111,7 @@ ZEL_API void MINT_Mult(MINT *r, const MINT *a, const MINT *b);
 ZEL_API void MINT_MultInteger(MINT *r, const MINT *a, uint32_t w);
 
 /**
- * Squares. Keeps the low 4160 bits.
+ * Squares, in a time that the length decides. Keeps the low 4160 bits.
  *
  * @param[out] r  a * a; twice the length of `a`, at most 130, not trimmed
  * @param[in]  a  the value
