@@ -6,7 +6,7 @@
 #include "zel_cc.h"
 
 #if ZEL_BENCH_GMP
-#include <gmp.h>
+#include "bench/gmp_number.hpp"
 #endif
 
 namespace zel::bench {
@@ -27,20 +27,7 @@ MINT odd_number(std::size_t bits, std::uint8_t salt) {
 }
 
 #if ZEL_BENCH_GMP
-/// The same number for GMP; shared by the copies of a measurement and never freed before them.
-struct Number {
-  mpz_t z;
-  explicit Number(const MINT &a) {
-    mpz_init(z);
-    mpz_import(z, a.length, -1, sizeof a.words[0], 0, 0, a.words);
-  }
-  Number(const Number &) = delete;
-  Number &operator=(const Number &) = delete;
-  ~Number() { mpz_clear(z); }
-  const mp_limb_t *limbs() const { return mpz_limbs_read(z); }
-  mp_size_t size() const { return static_cast<mp_size_t>(mpz_size(z)); }
-};
-std::shared_ptr<Number> number(const MINT &a) { return std::make_shared<Number>(a); }
+std::shared_ptr<GmpNumber> number(const MINT &a) { return std::make_shared<GmpNumber>(a); }
 #endif
 
 void products(std::size_t bits) {

@@ -14,7 +14,7 @@
 #include <openssl/bn.h>
 #endif
 #if ZEL_BENCH_GMP
-#include <gmp.h>
+#include "bench/gmp_number.hpp"
 #endif
 
 namespace zel::bench {
@@ -80,20 +80,9 @@ void openssl(const Task &task) {
 #endif
 
 #if ZEL_BENCH_GMP
-struct Number {
-  mpz_t z;
-  explicit Number(const MINT &a) {
-    mpz_init(z);
-    mpz_import(z, a.length, -1, sizeof a.words[0], 0, 0, a.words);
-  }
-  Number(const Number &) = delete;
-  Number &operator=(const Number &) = delete;
-  ~Number() { mpz_clear(z); }
-};
-
 void gmp(const Task &task) {
-  const auto a = std::make_shared<Number>(task.a), e = std::make_shared<Number>(task.e),
-             N = std::make_shared<Number>(task.N), r = std::make_shared<Number>(task.N);
+  const auto a = std::make_shared<GmpNumber>(task.a), e = std::make_shared<GmpNumber>(task.e),
+             N = std::make_shared<GmpNumber>(task.N), r = std::make_shared<GmpNumber>(task.N);
   operations({"modexp", task.operation, task.size, "gmp"}, [=] {
     if (task.secret)
       mpz_powm_sec(r->z, a->z, e->z, N->z);

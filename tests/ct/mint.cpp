@@ -1,19 +1,11 @@
 // Big integers: what the private operations compute with secrets.
 #include "mint/secret.hpp"
+#include "tests/ct/numbers.hpp"
 #include "tests/ct/probe.hpp"
 #include "zel_cc.h"
 
 namespace zel::test {
 namespace {
-
-/// Words that no test needs to be random, all of them significant.
-MINT number(std::uint32_t len, std::uint32_t first) {
-  MINT a = {};
-  a.length = len;
-  for (std::uint32_t i = 0; i < len; ++i)
-    a.words[i] = (first = first * 1664525 + 1013904223) | (i == 0 || i + 1 == len ? 1 : 0);
-  return a;
-}
 
 void inverse(std::uint32_t n_len, std::uint32_t a_len) {
   MINT n = number(n_len, 3), a = number(a_len, 4), r;

@@ -1,21 +1,11 @@
 // Powers with secret exponents, and the multiplication and reduction under them.
 #include "mint/secret_exp.hpp"
+#include "tests/ct/numbers.hpp"
 #include "tests/ct/probe.hpp"
 #include "zel_cc.h"
 
 namespace zel::test {
 namespace {
-
-/// Words that no test needs to be random; odd, and the top bit set.
-MINT number(std::uint32_t len, std::uint32_t first) {
-  MINT a = {};
-  a.length = len;
-  for (std::uint32_t i = 0; i < len; ++i)
-    a.words[i] = first = first * 1664525 + 1013904223;
-  a.words[0] |= 1;
-  a.words[len - 1] |= 1U << 31;
-  return a;
-}
 
 /// All words but the top one of the exponent and the modulus: their bit lengths are public.
 void power(std::uint32_t n_len, std::uint32_t a_len, std::uint32_t e_len) {

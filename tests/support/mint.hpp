@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <random>
 
 #include "zel_cc/mint.h"
@@ -32,6 +33,13 @@ inline MINT record(const mpz_class &value) {
   MINT a = {};
   a.length = words_of(value);
   mpz_export(a.words, nullptr, -1, sizeof a.words[0], 0, 0, value.get_mpz_t());
+  return a;
+}
+
+inline MINT from_words(std::initializer_list<std::uint32_t> low_first) {
+  MINT a = {};
+  for (const std::uint32_t w : low_first)
+    a.words[a.length++] = w;
   return a;
 }
 
