@@ -203,8 +203,15 @@ class Texts(ToolTest):
         done = self.run_program(ZEL)
         self.assertEqual((done.returncode, done.stdout, done.stderr), (USAGE, b"", bare))
         self.assertRegex(self.zel("--version").stdout, rb"^zel \d+\.\d+\n$")
-        for arguments in (["nonsense"], ["--json"], ["hash", "--a\nb"]):
-            self.assertEqual(self.zel(*arguments, exit=USAGE).stderr.count(b"\n"), 1)
+        for arguments, subject in ((["nonsense", "a", "b"], b"zel: nonsense: "),
+                                   (["--jsn"], b"zel: --jsn: "),
+                                   (["hash", "--a\nb"], b"zel hash: --a\\nb: ")):
+            done = self.zel(*arguments, exit=USAGE)
+            self.assertEqual(done.stderr.count(b"\n"), 1)
+            self.assertTrue(done.stderr.startswith(subject), done.stderr)
+
+    def test_shared_options_may_stand_before_the_command(self):
+        self.assertEqual(json.loads(self.zel("--json", "info").stdout)["command"], "info")
 
     def test_bash_completes(self):
         self.write("script", self.zel("completion", "bash").stdout)

@@ -1,6 +1,7 @@
 #include "tools/zel/program.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <new>
 
 #include "tools/zel/console.hpp"
@@ -68,14 +69,19 @@ int run_command(const Command &command, const SharedFlags &flags) {
 }
 
 /// What the parser did not understand, with the argument first as in all errors.
-std::string problem_of(const CLI::ParseError &error, bool in_command) {
+std::string problem_of(const CLI::ParseError &error) {
   const std::string text = error.what();
   const std::size_t colon = text.find(": ");
   const bool extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
   if (!extra || colon == std::string::npos) return text;
-  const std::string words = text.substr(colon + 2);
-  if (in_command) return words + ": not expected here";
-  return words + (words.starts_with('-') ? ": not expected before a command" : ": no such command");
+  return text.substr(colon + 2) + ": not expected here";
+}
+
+/// What stands where the command should.
+std::string first_word(int argc, char **argv) {
+  const auto is_word = [](const char *argument) { return argument[0] != '-'; };
+  char **found = std::find_if(argv + 1, argv + argc, is_word);
+  return found == argv + argc ? argv[1] : *found;
 }
 
 int usage_error(const std::string &name, const std::string &problem) {
@@ -90,9 +96,10 @@ int parse_and_run(const Commands &commands, int argc, char **argv) {
   // At most one, so that the name of a command may stand as an argument of another.
   app.require_subcommand(0, 1);
   app.set_help_flag();
-  app.add_flag("-h,--help", flags.help);
   app.add_flag("--version", version);
   const auto shared = shared_options(flags);
+  for (const Option &option : shared)  // they may stand before the command too
+    declare(app, option);
   for (const Command &command : commands) {
     CLI::App *parser = app.add_subcommand(command.name);
     parser->set_help_flag();
@@ -105,8 +112,8 @@ int parse_and_run(const Commands &commands, int argc, char **argv) {
     app.parse(arguments_of(argc, argv));
   } catch (const CLI::ParseError &error) {
     const auto chosen = app.get_subcommands();
-    return usage_error(chosen.empty() ? "zel" : "zel " + chosen.front()->get_name(),
-                       problem_of(error, !chosen.empty()));
+    if (!chosen.empty()) return usage_error("zel " + chosen.front()->get_name(), problem_of(error));
+    return usage_error("zel", first_word(argc, argv) + ": no such command");
   }
   for (const Command &command : commands) {
     if (!app.got_subcommand(command.name)) continue;
