@@ -59,6 +59,21 @@ const Probe kTables{"ARIA and SEED by tables",
                     },
                     true};
 const Probe kRc5{"RC5", [] { forth_and_back(rc5, 16, 70); }};
+// Its key schedule and its single blocks branch where a factor is zero; many blocks do not.
+const Probe kIdea{"IDEA, many blocks with AVX2", [] {
+                    if (!cpu::has(cpu::Feature::kAvx2)) return;
+                    const Buffer plain = numbers();
+                    Buffer blocks = plain, round_keys;
+                    IDEA_MakeRoundKey(round_keys.data(), plain.data(), 16);
+                    secret(round_keys);
+                    secret(blocks);
+                    const bulk::Cipher keyed(8, IDEA_EncryptBlock, IDEA_DecryptBlock,
+                                             round_keys.data());
+                    keyed.encrypt(blocks.data(), blocks.data(), 70);
+                    keyed.decrypt(blocks.data(), blocks.data(), 70);
+                    open(blocks);
+                    require(blocks == plain, "blocks of IDEA forth and back");
+                  }};
 const Probe kBlowfish{"Blowfish", [] { forth_and_back(blowfish, 16, 9); }, true};
 
 }  // namespace
