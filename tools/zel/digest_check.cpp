@@ -1,4 +1,5 @@
 #include "tools/zel/digest_check.hpp"
+#include "tools/zel/json.hpp"
 
 #include <algorithm>
 

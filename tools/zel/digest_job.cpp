@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "tools/zel/digest_check.hpp"
+#include "tools/zel/json.hpp"
 
 namespace zel::tool {
 namespace {

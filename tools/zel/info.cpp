@@ -6,6 +6,7 @@
 
 #include "base/cpu.hpp"
 #include "tools/zel/command.hpp"
+#include "tools/zel/json.hpp"
 #include "tools/zel/schemes.hpp"
 #include "tools/zel/strong_rand.h"
 #include "zel_cc/state.h"

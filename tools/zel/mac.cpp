@@ -3,6 +3,7 @@
 
 #include "base/ct.hpp"
 #include "tools/zel/digest_job.hpp"
+#include "tools/zel/json.hpp"
 
 namespace zel::tool {
 namespace {

@@ -5,6 +5,7 @@
 #include "base/wipe.hpp"
 #include "tools/zel/command.hpp"
 #include "tools/zel/hex.hpp"
+#include "tools/zel/json.hpp"
 #include "tools/zel/strong_rand.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/prime.h"

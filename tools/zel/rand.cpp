@@ -6,6 +6,7 @@
 #include "tools/zel/command.hpp"
 #include "tools/zel/generator.hpp"
 #include "tools/zel/hex.hpp"
+#include "tools/zel/json.hpp"
 
 namespace zel::tool {
 namespace {

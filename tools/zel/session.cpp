@@ -3,6 +3,7 @@
 #include <array>
 
 #include "tools/zel/console.hpp"
+#include "tools/zel/json.hpp"
 #include "zel_cc/state.h"
 
 namespace zel::tool {
@@ -22,7 +23,11 @@ std::size_t gravity(Exit exit) {
 }  // namespace
 
 Session::Session(std::string command, const SharedFlags &flags)
-    : command_(std::move(command)), flags_(flags) {}
+    : command_(std::move(command)),
+      flags_(flags),
+      result_(std::make_unique<Json>(Json::object())) {}
+
+Session::~Session() = default;
 
 void Session::choose_service() {
   const int state = KZEL_CC_SetStateVerifiedService();
@@ -44,7 +49,7 @@ void Session::warn(std::string_view text) {
 void Session::complain(const Failure &cause) {
   console::line("zel " + command_ + ": " + cause.line());
   ends(cause.exit());
-  if (flags_.json) result_["errors"].push_back(cause.line());
+  if (flags_.json) result()["errors"].push_back(cause.line());
 }
 
 void Session::ends(Exit exit) noexcept {
@@ -80,7 +85,7 @@ void Session::close() {
   output_.reset();
   if (!flags_.json) return;
   Json object = {{"command", command_}, {"exit", static_cast<int>(exit_)}};
-  object.update(result_);
+  object.update(result());
   Output standard("-", false);
   standard.write(to_text(object) + "\n");
   standard.commit();

@@ -2,16 +2,18 @@
 #pragma once
 
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "tools/zel/failure.hpp"
 #include "tools/zel/files.hpp"
-#include "tools/zel/json.hpp"
 #include "tools/zel/progress.hpp"
 
 namespace zel::tool {
+
+using Json = nlohmann::ordered_json;
 
 /// The flags that every command has.
 struct SharedFlags {
@@ -28,11 +30,14 @@ struct SharedFlags {
 class Session {
  public:
   Session(std::string command, const SharedFlags &flags);
+  ~Session();
+  Session(const Session &) = delete;
+  Session &operator=(const Session &) = delete;
 
   const std::string &command() const noexcept { return command_; }
   const SharedFlags &flags() const noexcept { return flags_; }
   /// The object that --json prints; `command` and `exit` are set by the program.
-  Json &result() noexcept { return result_; }
+  Json &result() noexcept { return *result_; }
 
   /// Where data goes: - is standard output.
   std::string output() const { return flags_.output.value_or("-"); }
@@ -62,7 +67,7 @@ class Session {
  private:
   std::string command_;
   SharedFlags flags_;
-  Json result_ = Json::object();
+  std::unique_ptr<Json> result_;
   std::unique_ptr<Output> output_;
   Exit exit_ = Exit::kDone;
   ProgressMode progress_mode_ = ProgressMode::kAuto;
