@@ -8,8 +8,9 @@
 //   rdi     the running sum in memory, at the limb that leaves the registers first
 //   rsi     eight limbs of the multiplicand       rcx  eight limbs of the multiplier
 //   rdx     the multiplier's limb                 rbp  zero
-// A block adds 8 x 8 limbs of products to eight limbs; the sum fits sixteen limbs, also with another
-// eight limbs added, so that one carry at most waits (as 0 or -1 in the frame) for the next block.
+// A block adds 8 x 8 limbs of products to eight limbs; the sum fits sixteen limbs, also with
+// another eight limbs added, so that one carry at most waits (as 0 or -1 in the frame) for the next
+// block.
 #include "mint/limbs_adx.hpp"
 
 __asm__(R"(

@@ -93,7 +93,8 @@ ZEL_API int32_t MINT_Sub_Core(uint32_t *r_len, uint32_t *r, uint32_t a_len, cons
 /** @{ */
 
 /**
- * Multiplies, in a time that the lengths decide. Keeps the low 4160 bits. A zero operand gives zero.
+ * Multiplies, in a time that the lengths decide. Keeps the low 4160 bits. A zero operand gives
+ * zero.
  *
  * @param[out] r  a * b; length of `a` plus length of `b`, at most 130, not trimmed
  * @param[in]  a  one value
