@@ -36,7 +36,7 @@ inline constexpr bool kBuiltWithAesni = false;
 extern const Ops rijndael128_vaes, rijndael256_vaes;
 extern const Ops rijndael128_aesni, rijndael256_aesni;
 extern const Ops rijndael128_sliced, rijndael256_sliced;
-extern const Ops des_interleaved, tdes_interleaved;
+extern const Ops des_avx2, tdes_avx2, des_interleaved, tdes_interleaved;
 extern const Ops blowfish_interleaved, cast128_interleaved, idea_interleaved, rc2_interleaved,
     rc5_interleaved, tavo_interleaved, tavoold_interleaved;
 extern const Ops idea_avx2, rc5_avx2;

@@ -39,7 +39,9 @@ constinit const Row kRows[] = {
     {RIJNDAEL256_EncryptBlock_AESNI, needs(kAesni, kVaes), false, &rijndael256_vaes},
     {RIJNDAEL256_EncryptBlock_AESNI, needs(kAesni), false, &rijndael256_aesni},
 #endif
+    {DES_EncryptBlock, needs(kAvx2), false, &des_avx2},
     {DES_EncryptBlock, needs(), false, &des_interleaved},
+    {TDES_EncryptBlock, needs(kAvx2), false, &tdes_avx2},
     {TDES_EncryptBlock, needs(), false, &tdes_interleaved},
     {BLOWFISH_EncryptBlock, needs(), false, &blowfish_interleaved},
     {CAST128_EncryptBlock, needs(), false, &cast128_interleaved},

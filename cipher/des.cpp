@@ -34,8 +34,6 @@ struct Kernel {
 }  // namespace
 
 void des_core::expand(std::uint8_t *schedule, const std::uint8_t *key) noexcept {
-  /// Position in a round key of the six bits for S1 to S8.
-  constexpr std::size_t kPlace[8] = {3, 7, 2, 6, 1, 5, 0, 4};
   Wiped<std::uint8_t[56]> halves;  // one bit a byte: C, then D
   for (std::size_t i = 0; i < 56; ++i) {
     const std::size_t bit = des_tables::kPc1[i] - std::size_t{1};
@@ -55,6 +53,9 @@ void des_core::expand(std::uint8_t *schedule, const std::uint8_t *key) noexcept 
 }
 
 constinit const bulk::Ops bulk::des_interleaved = bulk::Interleaved<Kernel>::ops();
+constinit const bulk::Ops bulk::des_avx2 = {.encrypt = des_encrypt_avx2,
+                                            .decrypt = des_decrypt_avx2,
+                                            .serial = bulk::Interleaved<Kernel>::serial};
 
 }  // namespace zel
 

@@ -22,6 +22,9 @@ inline constexpr std::size_t kRounds = 16;
 inline constexpr std::size_t kRoundKeyLen = 8;
 inline constexpr std::size_t kScheduleLen = kRounds * kRoundKeyLen;
 
+/// Where in a round key the six bits for S1 to S8 are.
+inline constexpr std::size_t kPlace[8] = {3, 7, 2, 6, 1, 5, 0, 4};
+
 void expand(std::uint8_t *schedule, const std::uint8_t *key) noexcept;
 
 /// The halves of N blocks between the initial and the final permutation.
@@ -104,3 +107,17 @@ class Blocks {
 };
 
 }  // namespace zel::des_core
+
+namespace zel {
+
+// Bit slices of 256 blocks; they hand short rests to the scalar routines.
+void des_encrypt_avx2(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                      const void *schedule) noexcept;
+void des_decrypt_avx2(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                      const void *schedule) noexcept;
+void tdes_encrypt_avx2(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                       const void *schedule) noexcept;
+void tdes_decrypt_avx2(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                       const void *schedule) noexcept;
+
+}  // namespace zel

@@ -43,6 +43,9 @@ struct Kernel {
 }  // namespace
 
 constinit const bulk::Ops bulk::tdes_interleaved = bulk::Interleaved<Kernel>::ops();
+constinit const bulk::Ops bulk::tdes_avx2 = {.encrypt = tdes_encrypt_avx2,
+                                             .decrypt = tdes_decrypt_avx2,
+                                             .serial = bulk::Interleaved<Kernel>::serial};
 
 }  // namespace zel
 
