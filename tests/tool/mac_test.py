@@ -76,6 +76,8 @@ class Mac(MacTest):
                 self.assertIn(b"f: ", done.stderr)
             for malformed in (code[:-2], code + "00", "zz" + code[2:], ""):
                 self.zel(*arguments, "--verify", malformed, exit=MALFORMED)
+        self.zel(*arguments, "--verify", wrong, "-o", "verdict", exit=MISMATCH)
+        self.assertFalse((self.folder / "verdict").exists())
         result = json.loads(self.zel(*arguments, "--json", "--verify", wrong, exit=MISMATCH).stdout)
         self.assertIs(result["verified"], False)
 

@@ -45,7 +45,8 @@ const char *advice_for_code(int code) {
 
 }  // namespace
 
-Failure::Failure(Exit exit, std::string subject, std::string problem, std::string advice)
+Failure::Failure(Exit exit, const std::string &subject, const std::string &problem,
+                 const std::string &advice)
     : exit_(exit) {
   if (!subject.empty()) line_ = shown(subject) + ": ";
   line_ += problem;

@@ -23,7 +23,8 @@ enum class Exit : int {
 /// The subject is a file or an argument; the advice may be empty.
 class Failure : public std::exception {
  public:
-  Failure(Exit exit, std::string subject, std::string problem, std::string advice = "");
+  Failure(Exit exit, const std::string &subject, const std::string &problem,
+          const std::string &advice = "");
 
   Exit exit() const noexcept { return exit_; }
   /// One line without a line end, whatever the subject contains.

@@ -7,12 +7,12 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
 #include "base/wipe.hpp"
 #include "tools/zel/failure.hpp"
+#include "tools/zel/hex.hpp"
 
 namespace zel::tool {
 namespace {
@@ -37,17 +37,11 @@ std::string folder_of(const std::string &path) {
 
 /// A name in the same folder that nobody else uses.
 std::string temporary_name(const std::string &target) {
-  std::array<unsigned char, 8> random{};
+  std::array<std::uint8_t, 8> random{};
   if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) {
     throw Failure(Exit::kInternal, "getrandom", "the kernel gives no random bytes");
   }
-  std::string name = folder_of(target) + "/.zel-";
-  for (const unsigned char byte : random) {
-    char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", byte);
-    name += digits;
-  }
-  return name + ".tmp";
+  return folder_of(target) + "/.zel-" + to_hex(random) + ".tmp";
 }
 
 /// The file behind symbolic links, so that a link stays a link; the path itself when it is new.

@@ -49,7 +49,7 @@ const char *state_name(int state) {
 /// The file that the library was loaded from.
 std::string library_path() {
   Dl_info where{};
-  int32_t (*function)(void) = KZEL_CC_GetState;
+  int32_t (*function)() = KZEL_CC_GetState;
   void *address = nullptr;
   std::memcpy(&address, &function, sizeof address);
   if (::dladdr(address, &where) == 0 || where.dli_fname == nullptr) return "";

@@ -34,7 +34,7 @@ void end(int signal_number) {
   }
   // The handler was reset to the default when it was entered: this ends the program as the caller
   // expects it, with the signal in its wait status.
-  ::raise(signal_number);
+  static_cast<void>(::raise(signal_number));
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ void install_signal_handlers() {
     if (::sigaction(number, nullptr, &now) == 0 && now.sa_handler == SIG_IGN) continue;
     ::sigaction(number, &action, nullptr);
   }
-  ::signal(SIGXFSZ, SIG_IGN);
+  static_cast<void>(::signal(SIGXFSZ, SIG_IGN));
 }
 
 Temporary::Temporary(const std::string &path) : slot_(kSlots) {

@@ -58,6 +58,7 @@ int run_command(const Command &command, const SharedFlags &flags) {
     command.run(session);
     session.close();
   } catch (const Failure &failure) {
+    session.abandon_output();
     session.complain(failure);
     try {
       session.close();

@@ -81,7 +81,6 @@ void Session::close() {
   // An output that is a file is only put in place by a run that did all it was asked to.
   const bool complete = exit_ == Exit::kDone || exit_ == Exit::kVerification;
   if (output_ && complete) output_->commit();
-  if (output_ && !complete && output_->is_standard_output()) output_->flush();
   output_.reset();
   if (!flags_.json) return;
   Json object = {{"command", command_}, {"exit", static_cast<int>(exit_)}};

@@ -61,6 +61,8 @@ class Session {
   Output &open_output(mode_t mode = 0666);
   /// Text for the output; shown at once when it is standard output.
   void print(std::string_view text);
+  /// Gives up the output: a run that was broken off leaves no file, whatever it had found out.
+  void abandon_output() noexcept { output_.reset(); }
   /// Completes the output and prints the JSON object.
   void close();
 
