@@ -29,11 +29,12 @@ inline Limb divide_2by1(Limb &high, Limb low, Limb d) noexcept {
   return quotient;
 }
 
-/// Which of the rare steps a division took. The library counts nothing; a test may.
+/// Which of the corrections a division took. The library counts nothing; a test may.
 struct NoEvents {
-  void equal_top() noexcept {}  ///< the top two limbs are the divisor's: the largest quotient limb
-  void estimate_raised() noexcept {}  ///< three by two: one more fitted after all
-  void add_back() noexcept {}         ///< the quotient limb was one too large for the whole divisor
+  void equal_top() noexcept {}  ///< leading limbs are the divisor's: largest quotient limb
+  void estimate_lowered(bool) noexcept {}  ///< three by two: whether the estimate was one too large
+  void estimate_raised() noexcept {}       ///< three by two: one more fitted after all
+  void add_back() noexcept {}              ///< still one too large for the divisor's lower limbs
 };
 
 /// r = 2^(64 n) - a; whether that does not fit because a is zero.
@@ -78,6 +79,7 @@ class Divisor3by2 {
     const Limb too_large = Limb{0} - static_cast<Limb>(high_half(rest) >= low_half(q));
     quotient += too_large;
     rest += d_ & join(too_large, too_large);
+    events.estimate_lowered(too_large != 0);
     if (__builtin_expect(rest >= d_, 0)) {
       events.estimate_raised();
       ++quotient;

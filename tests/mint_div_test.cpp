@@ -12,10 +12,21 @@ using namespace zel::test;
 using zel::limbs::Limb;
 
 struct Counts {
-  int equal = 0, raised = 0, added_back = 0;
+  int equal = 0, lowered = 0, raised = 0, added_back = 0, two_too_large = 0;
+  bool just_lowered = false;
   void equal_top() noexcept { ++equal; }
-  void estimate_raised() noexcept { ++raised; }
-  void add_back() noexcept { ++added_back; }
+  void estimate_lowered(bool yes) noexcept {
+    just_lowered = yes;
+    lowered += yes ? 1 : 0;
+  }
+  void estimate_raised() noexcept {
+    ++raised;
+    just_lowered = false;
+  }
+  void add_back() noexcept {
+    ++added_back;
+    two_too_large += just_lowered ? 1 : 0;
+  }
 };
 
 mpz_class value_of_limbs(const std::vector<Limb> &limbs) {
@@ -52,6 +63,11 @@ TEST(MintDivision, TheRareStepsAreTakenAndRight) {
   divide({0, 0, 0, 0, 0, 3}, {1, 0, 0, 1}, counts);
   EXPECT_EQ(counts.added_back, 1);
 
+  // Two too large: one is seen in the leading limbs, the other one only below them.
+  counts = {};
+  divide({0, 0, 0, kTop}, {kTop + 1, kTop, kTop}, counts);
+  EXPECT_EQ(counts.two_too_large, 1);
+
   // The product with the reciprocal ends just above a limb: taken back once too often, then raised.
   counts = {};
   divide({1, kOnes - 5, kTop - 1}, {kOnes - 2, kTop + 1}, counts);
@@ -81,6 +97,7 @@ void divide_shapes(std::uint32_t features) {
   }
   EXPECT_GT(counts.equal, 100);
   EXPECT_GT(counts.added_back, 100);
+  EXPECT_GT(counts.lowered, 100);
 }
 
 TEST(MintDivision, LimbsOfEveryShape) {
