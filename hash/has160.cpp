@@ -1,4 +1,5 @@
 // HAS-160: blocks of 64 bytes, five words, four rounds of 20 steps. TTAS.KO-12.0011/R2.
+#include "base/ct.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
 #include "hash/roots.hpp"
@@ -37,7 +38,7 @@ static_assert(step_word(1, 1) == 3 && step_word(2, 19) == 3 && step_word(3, 10) 
 template <std::size_t kRound>
 [[gnu::always_inline]] inline std::uint32_t mix(std::uint32_t b, std::uint32_t c,
                                                 std::uint32_t d) noexcept {
-  if constexpr (kRound == 0) return (b & c) | (~b & d);
+  if constexpr (kRound == 0) return ((c ^ d) & b) ^ d;
   if constexpr (kRound == 2) return c ^ (b | ~d);
   return b ^ c ^ d;
 }
@@ -46,8 +47,10 @@ template <std::size_t kStep>
 [[gnu::always_inline]] inline void step(State &v, std::uint32_t word) noexcept {
   constexpr std::size_t kRound = kStep / 20;
   const auto letter = [&v](std::size_t n) -> std::uint32_t & { return v[(n + 80 - kStep) % 5]; };
-  letter(4) += std::rotl(letter(0), kRotateA[kStep % 20]) +
-               mix<kRound>(letter(1), letter(2), letter(3)) + kConstants[kRound] + word;
+  // The chain of steps runs through A, whose rotation is added last; `opaque` keeps that order.
+  const std::uint32_t sum = ct::opaque(letter(4) + word + kConstants[kRound]);
+  letter(4) = (sum + mix<kRound>(letter(1), letter(2), letter(3))) +
+              std::rotl(letter(0), kRotateA[kStep % 20]);
   letter(1) = std::rotl(letter(1), kRotateB[kRound]);
 }
 
@@ -67,8 +70,7 @@ void hash::has160_blocks(void *state, const std::uint8_t *data, std::size_t coun
         step<20 * round + i>(v, kWord < 16 ? x[kWord % 16] : extra[kWord % 4]);
       });
     });
-    for (std::size_t i = 0; i < h.size(); ++i)
-      h[i] += v[i];
+    add_words(h, v);
   }
   store_state(state, h);
 }

@@ -1,4 +1,5 @@
 // MD5: blocks of 64 bytes, four words, four rounds of 16 steps. RFC 1321.
+#include "base/ct.hpp"
 #include "core/gate.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
@@ -43,12 +44,13 @@ constexpr std::size_t message_word(std::size_t round, std::size_t i) {
 
 /// sum + f(b, c, d). The chain of steps runs through b, so whatever can be done without b comes
 /// first; the two halves of the second function have no bit in common and are added one by one.
+/// `opaque` keeps compilers from choosing another order.
 template <std::size_t kRound>
 [[gnu::always_inline]] inline std::uint32_t add_mix(std::uint32_t sum, std::uint32_t b,
                                                     std::uint32_t c, std::uint32_t d) noexcept {
   if constexpr (kRound == 0) return sum + (((c ^ d) & b) ^ d);
-  if constexpr (kRound == 1) return (sum + (c & ~d)) + (b & d);
-  if constexpr (kRound == 2) return sum + ((c ^ d) ^ b);
+  if constexpr (kRound == 1) return ct::opaque(sum + (c & ~d)) + (b & d);
+  if constexpr (kRound == 2) return sum + (ct::opaque(c ^ d) ^ b);
   return sum + (c ^ (b | ~d));
 }
 
@@ -56,7 +58,8 @@ template <std::size_t kStep>
 [[gnu::always_inline]] inline void step(State &v, const std::array<std::uint32_t, 16> &x) noexcept {
   constexpr std::size_t kRound = kStep / 16;
   const auto letter = [&v](std::size_t n) -> std::uint32_t & { return v[(n + 64 - kStep) % 4]; };
-  const std::uint32_t sum = letter(0) + x[message_word(kRound, kStep % 16)] + kConstants[kStep];
+  const std::uint32_t sum =
+      ct::opaque(letter(0) + x[message_word(kRound, kStep % 16)] + kConstants[kStep]);
   letter(0) = letter(1) + std::rotl(add_mix<kRound>(sum, letter(1), letter(2), letter(3)),
                                     kRotate[kRound][kStep % 4]);
 }
@@ -70,8 +73,7 @@ void hash::md5_blocks(void *state, const std::uint8_t *data, std::size_t count) 
     State v = h;
     const auto x = load_block_le(data);
     unroll<64>([&](auto i) __attribute__((always_inline)) { step<i>(v, x); });
-    for (std::size_t i = 0; i < h.size(); ++i)
-      h[i] += v[i];
+    add_words(h, v);
   }
   store_state(state, h);
 }

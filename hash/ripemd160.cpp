@@ -1,5 +1,6 @@
 // RIPEMD-160: blocks of 64 bytes, five words, two parallel lines of five rounds of 16 steps.
 // ISO/IEC 10118-3; Dobbertin, Bosselaers, Preneel: RIPEMD-160, a strengthened version of RIPEMD.
+#include "base/ct.hpp"
 #include "core/gate.hpp"
 #include "hash/algorithms.hpp"
 #include "hash/blocks.hpp"
@@ -38,26 +39,28 @@ constexpr std::array<std::array<int, 16>, 5> kRotate = {
      {14, 11, 12, 14, 8, 6, 5, 5, 15, 12, 15, 14, 9, 9, 8, 6},
      {15, 12, 13, 13, 9, 5, 8, 6, 14, 11, 12, 11, 8, 6, 5, 5}}};
 
+/// sum + f(b, c, d). The chain of steps runs through b, so whatever can be done without b comes
+/// first; the two halves of the fourth function have no bit in common and are added one by one.
+/// `opaque` keeps compilers from choosing another order.
 template <std::size_t kFunction>
-[[gnu::always_inline]] inline std::uint32_t mix(std::uint32_t b, std::uint32_t c,
-                                                std::uint32_t d) noexcept {
-  if constexpr (kFunction == 0) return b ^ c ^ d;
-  if constexpr (kFunction == 1) return ((c ^ d) & b) ^ d;
-  if constexpr (kFunction == 2) return (b | ~c) ^ d;
-  if constexpr (kFunction == 3) return ((b ^ c) & d) ^ c;
-  return b ^ (c | ~d);
+[[gnu::always_inline]] inline std::uint32_t add_mix(std::uint32_t sum, std::uint32_t b,
+                                                    std::uint32_t c, std::uint32_t d) noexcept {
+  if constexpr (kFunction == 0) return sum + (ct::opaque(c ^ d) ^ b);
+  if constexpr (kFunction == 1) return sum + (((c ^ d) & b) ^ d);
+  if constexpr (kFunction == 2) return sum + ((b | ~c) ^ d);
+  if constexpr (kFunction == 3) return ct::opaque(sum + (c & ~d)) + (b & d);
+  return sum + (b ^ (c | ~d));
 }
 
 template <bool kIsRight, std::size_t kStep>
 [[gnu::always_inline]] inline void step(State &v, const std::array<std::uint32_t, 16> &x) noexcept {
   constexpr std::size_t kRound = kStep / 16;
   constexpr std::size_t kWord = message_word(kIsRight, kRound, kStep % 16);
+  constexpr std::size_t kFunction = kIsRight ? 4 - kRound : kRound;
   const auto letter = [&v](std::size_t n) -> std::uint32_t & { return v[(n + 80 - kStep) % 5]; };
-  const std::uint32_t sum =
-      letter(0) + x[kWord] + (kIsRight ? kRight : kLeft)[kRound] + mix < kIsRight
-          ? 4 - kRound
-          : kRound > (letter(1), letter(2), letter(3));
-  letter(0) = std::rotl(sum, kRotate[kRound][kWord]) + letter(4);
+  const std::uint32_t sum = ct::opaque(letter(0) + x[kWord] + (kIsRight ? kRight : kLeft)[kRound]);
+  const std::uint32_t mixed = add_mix<kFunction>(sum, letter(1), letter(2), letter(3));
+  letter(0) = std::rotl(mixed, kRotate[kRound][kWord]) + letter(4);
   letter(2) = std::rotl(letter(2), 10);
 }
 

@@ -48,8 +48,7 @@ void blocks_portable(void *state, const std::uint8_t *data, std::size_t count) n
       }
       round<i>(v, w[i % 16]);
     });
-    for (std::size_t i = 0; i < h.size(); ++i)
-      h[i] += v[i];
+    hash::add_words(h, v);
   }
   hash::store_state(state, h);
 }

@@ -68,8 +68,7 @@ void sha2_blocks(void *state, const std::uint8_t *data, std::size_t count) noexc
         F::template round<i>(v, w[i] + kConstants[start + i]);
       });
     }
-    for (std::size_t i = 0; i < h.size(); ++i)
-      h[i] += v[i];
+    add_words(h, v);
   }
   store_state(state, h);
 }

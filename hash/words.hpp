@@ -72,4 +72,11 @@ template <std::size_t kCount, class Body>
   (std::make_index_sequence<kCount>{});
 }
 
+/// to[i] += words[i], without a loop, so that the words can stay in registers.
+template <class Words>
+[[gnu::always_inline]] inline void add_words(Words &to, const Words &words) noexcept {
+  unroll<std::tuple_size_v<Words>>([&](auto i)
+                                       __attribute__((always_inline)) { to[i] += words[i]; });
+}
+
 }  // namespace zel::hash
