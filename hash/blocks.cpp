@@ -14,16 +14,18 @@ struct Row {
 
 // The approved algorithms are asked for most.
 constinit const Row kRows[] = {
-    {SHA256_CompressBlock, SHA256_PadLength, {hash::sha256_blocks, 64, hash::ByteOrder::kBig}},
-    {SHA512_CompressBlock, SHA512_PadLength, {hash::sha512_blocks, 128, hash::ByteOrder::kBig}},
-    {SHA384_CompressBlock, SHA384_PadLength, {hash::sha512_blocks, 128, hash::ByteOrder::kBig}},
-    {SHA224_CompressBlock, SHA224_PadLength, {hash::sha256_blocks, 64, hash::ByteOrder::kBig}},
-    {SHA1_CompressBlock, SHA1_PadLength, {hash::sha1_blocks, 64, hash::ByteOrder::kBig}},
-    {HAS160_CompressBlock, HAS160_PadLength, {hash::has160_blocks, 64, hash::ByteOrder::kLittle}},
-    {MD5_CompressBlock, MD5_PadLength, {hash::md5_blocks, 64, hash::ByteOrder::kLittle}},
+    {SHA256_CompressBlock, SHA256_PadLength, {hash::sha256_blocks, 64, 8, hash::ByteOrder::kBig}},
+    {SHA512_CompressBlock, SHA512_PadLength, {hash::sha512_blocks, 128, 8, hash::ByteOrder::kBig}},
+    {SHA384_CompressBlock, SHA384_PadLength, {hash::sha512_blocks, 128, 8, hash::ByteOrder::kBig}},
+    {SHA224_CompressBlock, SHA224_PadLength, {hash::sha256_blocks, 64, 8, hash::ByteOrder::kBig}},
+    {SHA1_CompressBlock, SHA1_PadLength, {hash::sha1_blocks, 64, 5, hash::ByteOrder::kBig}},
+    {HAS160_CompressBlock,
+     HAS160_PadLength,
+     {hash::has160_blocks, 64, 5, hash::ByteOrder::kLittle}},
+    {MD5_CompressBlock, MD5_PadLength, {hash::md5_blocks, 64, 4, hash::ByteOrder::kLittle}},
     {RIPEMD160_CompressBlock,
      RIPEMD160_PadLength,
-     {hash::ripemd160_blocks, 64, hash::ByteOrder::kLittle}},
+     {hash::ripemd160_blocks, 64, 5, hash::ByteOrder::kLittle}},
 };
 
 }  // namespace

@@ -25,6 +25,7 @@ struct Engine {
   /// The same state as `count` calls of the block slot, straight from `data`.
   void (*blocks)(void *state, const std::uint8_t *data, std::size_t count);
   std::size_t block_len;
+  std::size_t state_words;
   ByteOrder length_order;
 };
 

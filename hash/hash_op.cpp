@@ -2,6 +2,7 @@
 // FIPS 180-4, sections 5.1 and 5.2; RFC 1321, section 3.
 #include <cstring>
 
+#include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
 #include "hash/blocks.hpp"
@@ -70,6 +71,22 @@ void update(Area &area, const HASH_ALGORITHM &algorithm, const std::uint8_t *dat
   if (data != end) std::memcpy(area.buffer, data, static_cast<std::size_t>(end - data));
 }
 
+/// A copy of the words that an algorithm uses, in pieces no larger than those it stores them in: a
+/// load that spans several recent stores waits until they have reached the cache.
+void copy_state(std::uint32_t *to, const std::uint32_t *from, std::size_t words) noexcept {
+  store_bytes16(to, load_bytes16(from));
+  if (words == 8) {
+    store_bytes16(to + 4, load_bytes16(from + 4));
+  } else {
+    to[4] = from[4];
+  }
+}
+void copy_state(std::uint64_t *to, const std::uint64_t *from, std::size_t words) noexcept {
+#pragma GCC unroll 8
+  for (std::size_t i = 0; i < words; ++i)
+    to[i] = ct::opaque(from[i]);
+}
+
 /// The last blocks of one of our own algorithms, in one piece.
 template <class Area>
 void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Engine &engine,
@@ -79,7 +96,7 @@ void finalize(std::uint8_t *out, const HASH_ALGORITHM &algorithm, const Engine &
     std::uint8_t blocks[2 * hash::kBlockLen<Area>];
   };
   Wiped<Last> last;
-  std::memcpy(last->state, end.state, sizeof last->state);
+  copy_state(last->state, end.state, engine.state_words);
   const std::size_t count = hash::pad(last->blocks, end, engine.length_order);
   engine.blocks(last->state, last->blocks, count);
   algorithm.DumpDigest(out, last->state);

@@ -40,18 +40,20 @@ struct End {
   WordOf<Area> count_low, count_high;  ///< bytes of the whole message
 };
 
+typedef std::uint64_t Words2 __attribute__((vector_size(16)));
+
 /// The 16 bytes at the end of the last block: the length, and zeros before it.
 inline Bytes16 length_piece(const End<HASH_AREA32> &end, ByteOrder order) noexcept {
   const auto bits = bit_count<HASH_AREA32>(end.count_low, end.count_high);
   const std::uint64_t value = (std::uint64_t{bits.high} << 32) | bits.low;
-  const std::uint64_t words[2] = {0, order == ByteOrder::kBig ? byte_swap(value) : value};
-  return load_bytes16(words);
+  const Words2 words = {0, order == ByteOrder::kBig ? byte_swap(value) : value};
+  return reinterpret_cast<Bytes16>(words);
 }
 
 inline Bytes16 length_piece(const End<HASH_AREA64> &end, ByteOrder /*order*/) noexcept {
   const auto bits = bit_count<HASH_AREA64>(end.count_low, end.count_high);
-  const std::uint64_t words[2] = {byte_swap(bits.high), byte_swap(bits.low)};
-  return load_bytes16(words);
+  const Words2 words = {byte_swap(bits.high), byte_swap(bits.low)};
+  return reinterpret_cast<Bytes16>(words);
 }
 
 /// Writes the last one or two blocks and returns how many. Every 16 bytes are one store, so that
@@ -65,6 +67,7 @@ std::size_t pad(std::uint8_t *blocks, const End<Area> &end, ByteOrder order) noe
   const Bytes16 length = length_piece(end, order);
   Index index = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   Bytes16 piece{};
+#pragma GCC unroll 8
   for (std::size_t at = 0; at < kBlock; at += 16) {
     if (at != 0) index += static_cast<signed char>(16);
     const auto before = reinterpret_cast<Bytes16>(index < stop);

@@ -146,10 +146,15 @@ zel_sha512_blocks_avx2:
   movq %rcx, CONSTANTS_END
   vmovdqa kSwap(%rip), %ymm9
   vmovdqa kRotate8(%rip), %ymm10
-  vmovdqu (%rsi), %ymm0
-  vmovdqu 32(%rsi), %ymm1
-  vmovdqu 64(%rsi), %ymm2
-  vmovdqu 96(%rsi), %ymm3
+  // The first block may just have been written, in stores of 16 bytes: loads of 32 would wait.
+  vmovdqu (%rsi), %xmm0
+  vmovdqu 32(%rsi), %xmm1
+  vmovdqu 64(%rsi), %xmm2
+  vmovdqu 96(%rsi), %xmm3
+  vinserti128 $1, 16(%rsi), %ymm0, %ymm0
+  vinserti128 $1, 48(%rsi), %ymm1, %ymm1
+  vinserti128 $1, 80(%rsi), %ymm2, %ymm2
+  vinserti128 $1, 112(%rsi), %ymm3, %ymm3
   LOADED 0, 0
   LOADED 1, 32
   LOADED 2, 64

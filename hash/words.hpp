@@ -20,9 +20,18 @@ inline Words load_state(const void *state) noexcept {
   return words;
 }
 
-template <class Words>
-inline void store_state(void *state, const Words &words) noexcept {
-  std::memcpy(state, &words, sizeof words);
+/// Four words of 32 bits leave in one store, so that a load of 16 bytes need not wait for four.
+template <class Word, std::size_t kWords>
+inline void store_state(void *state, const std::array<Word, kWords> &words) noexcept {
+  if constexpr (sizeof(Word) == 4 && kWords < 8) {
+    typedef Word Four __attribute__((vector_size(16)));
+    const Four first = {words[0], words[1], words[2], words[3]};
+    std::memcpy(state, &first, sizeof first);
+    auto *const rest = static_cast<std::uint8_t *>(state) + sizeof first;
+    if constexpr (kWords > 4) std::memcpy(rest, &words[4], sizeof words - sizeof first);
+  } else {
+    std::memcpy(state, &words, sizeof words);
+  }
 }
 
 /// The 16 words of a block: most significant byte first for the SHA family.
