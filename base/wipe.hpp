@@ -28,6 +28,22 @@ inline void wipe_object(T &object) noexcept {
   }
 }
 
+/// Calls `body`, then zeroes `kDepth` bytes of the stack that it used: what the compiler kept there
+/// of registers belongs to no object that could be wiped.
+template <std::size_t kDepth, class Body>
+inline auto with_wiped_stack(const Body &body) noexcept {
+  struct Below {
+    [[gnu::noinline]] static auto call(const Body &inner) noexcept { return inner(); }
+    [[gnu::noinline]] static void clear() noexcept {
+      unsigned char room[kDepth];
+      wipe(room, sizeof room);
+    }
+  };
+  const auto result = Below::call(body);
+  Below::clear();
+  return result;
+}
+
 /// An object on the stack that is zeroed when its scope ends. Not initialised unless `{}` is asked.
 template <class T>
 class Wiped {

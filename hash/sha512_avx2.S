@@ -233,6 +233,9 @@ zel_sha512_blocks_avx2:
   popq %rbx
   .cfi_adjust_cfa_offset -8
   .cfi_restore %rbx
+  // What the caller kept in its registers may be part of a key too.
+  vmovdqu %ymm0, -48(%rsp)
+  vmovdqu %xmm0, -16(%rsp)
   ret
   .cfi_endproc
   .size zel_sha512_blocks_avx2, . - zel_sha512_blocks_avx2

@@ -168,8 +168,9 @@ std::int32_t reseed(typename Mechanism::Context *context, const Input &additiona
   return reseed<Mechanism>(context, fresh.input(), additional);
 }
 
+/// A request, of which something may stay on the stack.
 template <class Mechanism>
-std::int32_t generate(typename Mechanism::Context *context, Request request) noexcept {
+std::int32_t serve(typename Mechanism::Context *context, Request request) noexcept {
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(context, request.out)) return ZEL_ERR_DRBG_ARGUMENT;
   if (context->security_strength < request.strength ||
@@ -192,6 +193,14 @@ std::int32_t generate(typename Mechanism::Context *context, Request request) noe
   Mechanism::generate(*context, *variant, request.out, request.bits, request.additional);
   ++context->reseed_counter;
   return ZEL_OK;
+}
+
+/// The deepest that a request goes on the stack, and some more.
+inline constexpr std::size_t kStackDepth = 3072;
+
+template <class Mechanism>
+std::int32_t generate(typename Mechanism::Context *context, const Request &request) noexcept {
+  return with_wiped_stack<kStackDepth>([&] { return serve<Mechanism>(context, request); });
 }
 
 /// Whether a second output of the generator differs from `out`. Two outputs are equal when all
