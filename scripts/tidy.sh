@@ -18,7 +18,7 @@ known=()
 for file in "${files[@]}"; do
   if grep -qF "\"$top/$file\"" build/clang/compile_commands.json; then known+=("$file"); else echo "not built here: $file"; fi
 done
-printf '%s\n' "${known[@]}" | xargs -P "$jobs" -I{} sh -c 'echo "tidy {}"; clang-tidy -p build/clang --quiet {} 2>/dev/null' || bad=1
+printf '%s\n' "${known[@]}" | xargs -P "${TIDY_JOBS:-$jobs}" -I{} sh -c 'echo "tidy {}"; clang-tidy -p build/clang --quiet {} 2>/dev/null' || bad=1
 
 if [ $bad -eq 0 ]; then say "clean: ${#known[@]} files"; else say "not clean"; fi
 exit $bad

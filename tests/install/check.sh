@@ -60,4 +60,8 @@ if command -v pkg-config >/dev/null; then
 else
   fail "pkg-config is not installed"
 fi
-echo "$checked programs built and run"
+if [ -e "$prefix/bin/zel" ]; then
+  [ "$(printf abc | "$prefix/bin/zel" hash -q - | cut -d' ' -f1)" = "$digest" ] || fail "the installed zel does not hash"
+  checked=$((checked + 1))
+fi
+echo "$checked programs run"
