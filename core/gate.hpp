@@ -17,11 +17,11 @@ inline std::int32_t state() noexcept {
   return static_cast<std::int32_t>(g_zel_state.load(std::memory_order_acquire));
 }
 
-/// Service gate: whether services run at all.
-inline bool serving() noexcept {
-  const std::int32_t now = state();
-  return now >= ZEL_STATE_INITIALISED && now <= ZEL_STATE_VERIFIED;
+/// Service gate: whether services run at all in a state, and now.
+inline bool serves(std::int32_t state) noexcept {
+  return state >= ZEL_STATE_INITIALISED && state <= ZEL_STATE_VERIFIED;
 }
+inline bool serving() noexcept { return serves(state()); }
 
 /// Approved-only gate: whether non-approved algorithms are shut out.
 inline bool approved_only() noexcept { return state() == ZEL_STATE_VERIFIED; }

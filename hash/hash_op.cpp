@@ -221,7 +221,7 @@ int32_t HASH_InitializeEx(HASH_CONTEXT *context, const HASH_ALGORITHM *descripto
 }
 
 int32_t HASH_Initialize(HASH_CONTEXT *context, const HASH_ALGORITHM *descriptor) {
-  if (!gate::serving()) return gate::state();
+  if (const int32_t now = gate::state(); !gate::serves(now)) return now;
   hash::start(*context, *descriptor);
   return ZEL_OK;
 }

@@ -58,7 +58,7 @@ int32_t HMAC_InitializeEx(HMAC_CONTEXT *context, const uint8_t *key, uint32_t ke
 
 int32_t HMAC_Initialize(HMAC_CONTEXT *context, const uint8_t *key, uint32_t key_len,
                         const HASH_ALGORITHM *descriptor) {
-  if (!gate::serving()) return gate::state();
+  if (const int32_t now = gate::state(); !gate::serves(now)) return now;
   hash::start(context->inner, *descriptor);
   hash::start(context->outer, *descriptor);
   absorb_key(*context, key, key_len, *descriptor);

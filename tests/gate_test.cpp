@@ -37,6 +37,13 @@ Answers refusing(std::int64_t value) {
   });
 }
 
+Answers code() {
+  return answers([](std::int32_t state) {
+    return serving(state) ? Expected{Expected::Kind::kGives, ZEL_OK}
+                          : Expected{Expected::Kind::kRefuses, ZEL_ERR_STATE};
+  });
+}
+
 Answers null_object() {
   return answers([](std::int32_t state) {
     return serving(state) ? Expected{Expected::Kind::kGives, 1}

@@ -306,4 +306,28 @@ TEST(CallersOwnAlgorithm, WholeMessagesReportSixteenBytes) {
   EXPECT_EQ(len, 16U);
 }
 
+// A context that was initialised in name only holds what the memory held; whoever uses it after the
+// state has changed gets a meaningless digest, and nothing outside of the record is touched.
+TEST(Md2, AnUnfilledRecordStaysInItsBounds) {
+  KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+  HASH_CONTEXT context;
+  std::memset(&context, 0xff, sizeof context);
+  ASSERT_EQ(HASH_Initialize(&context, &md2), ZEL_OK);
+  KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+  const Bytes data(40, 0xa5);
+  for (uint32_t len = 1; len <= data.size(); ++len)
+    HASH_Update(&context, data.data(), len);
+  uint8_t digest[32];
+  std::memset(digest, 0xee, sizeof digest);
+  uint32_t len = 0;
+  HASH_Finalize(digest, &len, &context);
+  EXPECT_EQ(len, 16U);
+  EXPECT_LT(context.area_md2.pending_len, 16U);
+  EXPECT_EQ(digest[16], 0xee);
+  const auto *bytes = reinterpret_cast<const uint8_t *>(&context);
+  const auto behind = sizeof context.descriptor + sizeof context.area_md2;
+  for (std::size_t i = behind; i < sizeof context; ++i)
+    EXPECT_EQ(bytes[i], 0xff) << i;
+}
+
 }  // namespace

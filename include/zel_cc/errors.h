@@ -12,7 +12,8 @@
 enum ZEL_ERROR {
   /** Success. */
   ZEL_OK = 0,
-  /** Null argument, length or size out of range, allocation or file failure, unequal digests. */
+  /** Null argument, length or size out of range, allocation or file failure, unequal digests, equal
+     random blocks. */
   ZEL_ERR_GENERIC = -1,
   /** A file cannot be opened. */
   ZEL_ERR_FILE_OPEN = -6,
@@ -165,7 +166,8 @@ static inline const char *zel_error_text(int32_t code) {
   static const struct ZEL_ERROR_TEXT texts[] = {
       {ZEL_OK, "done"},
       {ZEL_ERR_GENERIC,
-       "null argument, length or size out of range, allocation or file failure, unequal digests"},
+       "null argument, length or size out of range, allocation or file failure, unequal digests, "
+       "equal random blocks"},
       {ZEL_ERR_FILE_OPEN, "a file cannot be opened"},
       {ZEL_ERR_FILE_OFFSET, "a file offset is negative"},
       {ZEL_ERR_TAG, "an authentication tag does not match"},

@@ -23,7 +23,7 @@
  * second slot is then `Update`, and its last one finalises.
  */
 typedef struct {
-  /** Digest size in bytes. */
+  /** Digest size in bytes, at most #ZEL_MAX_DIGEST_LEN. */
   uint32_t digest_len;
   /** Loads the initial chaining value; a whole-message algorithm is given the whole context. */
   void (*Initialize)(void *state);
@@ -123,7 +123,8 @@ ZEL_API int32_t HASH_InitializeEx(HASH_CONTEXT *context, const HASH_ALGORITHM *d
  * @param[out] context     the hash to start
  * @param[in]  descriptor  the algorithm; trusted, must not be null
  * @retval ZEL_OK  done
- * @return otherwise the module state itself, when the module is not serving; nothing touched
+ * @return otherwise the module state itself, when the module is not serving; nothing touched. State
+ *         0 so reads like success: ask `KZEL_CC_GetState` where that state is possible.
  */
 ZEL_API int32_t HASH_Initialize(HASH_CONTEXT *context, const HASH_ALGORITHM *descriptor);
 

@@ -42,7 +42,8 @@ ZEL_API int32_t HMAC_InitializeEx(HMAC_CONTEXT *context, const uint8_t *key, uin
  * @param[in]  key_len     bytes; 0 is allowed
  * @param[in]  descriptor  the hash; trusted, must not be null
  * @retval ZEL_OK  done
- * @return otherwise the module state itself, when the module is not serving; nothing touched
+ * @return otherwise the module state itself, when the module is not serving; nothing touched. State
+ *         0 so reads like success: ask `KZEL_CC_GetState` where that state is possible.
  */
 ZEL_API int32_t HMAC_Initialize(HMAC_CONTEXT *context, const uint8_t *key, uint32_t key_len,
                                 const HASH_ALGORITHM *descriptor);

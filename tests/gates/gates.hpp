@@ -46,7 +46,8 @@ using Answers = std::array<Expected, kStates.size()>;
 
 /// Refused where the module does not serve by a value, by nullptr or by doing nothing (0).
 Answers refusing(std::int64_t value);
-inline Answers code() { return refusing(ZEL_ERR_STATE); }
+/// Gives #ZEL_OK where the module serves: the call reached its work.
+Answers code();
 inline Answers inert() { return refusing(0); }
 Answers null_object();
 /// Refused by the module state itself.
