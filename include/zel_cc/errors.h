@@ -12,8 +12,7 @@
 enum ZEL_ERROR {
   /** Success. */
   ZEL_OK = 0,
-  /** Null argument, length or size out of range, allocation or file failure, unequal digests, equal
-     random blocks. */
+  /** Null argument, bad length or size, allocation or file failure, mismatch, repeated block. */
   ZEL_ERR_GENERIC = -1,
   /** A file cannot be opened. */
   ZEL_ERR_FILE_OPEN = -6,
@@ -166,8 +165,7 @@ static inline const char *zel_error_text(int32_t code) {
   static const struct ZEL_ERROR_TEXT texts[] = {
       {ZEL_OK, "done"},
       {ZEL_ERR_GENERIC,
-       "null argument, length or size out of range, allocation or file failure, unequal digests, "
-       "equal random blocks"},
+       "null argument, bad length or size, allocation or file failure, mismatch, repeated block"},
       {ZEL_ERR_FILE_OPEN, "a file cannot be opened"},
       {ZEL_ERR_FILE_OFFSET, "a file offset is negative"},
       {ZEL_ERR_TAG, "an authentication tag does not match"},
