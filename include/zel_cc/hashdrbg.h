@@ -74,6 +74,8 @@ ZEL_API int32_t HASHDRBG_InstantiateEntIn(HASHDRBG_CONTEXT *context, uint32_t ha
 /**
  * Starts a Hash_DRBG from 1024 bits of `RNGSEED_GetSeed`; otherwise as `HASHDRBG_InstantiateEntIn`.
  *
+ * A copy of the context, such as the child's after `fork`, repeats its output until it is reseeded.
+ *
  * @param[out] context                the generator
  * @param[in]  hash_id                a value of `enum ZEL_DRBG_HASH`
  * @param[in]  strength               security strength in bits
@@ -217,6 +219,7 @@ ZEL_API int32_t HASHDRBG_RNG(uint8_t *out, uint32_t bits, const uint8_t *entropy
 
 /**
  * Random bits in one call: as `HASHDRBG_RNG`, with fresh entropy from `RNGSEED_GetSeed` each time.
+ * After `fork` each process draws its own.
  *
  * @param[out] out   [bits / 8, rounded up] bytes; a last partial byte is as
  *                   `HASHDRBG_GenerateRandBit` says
