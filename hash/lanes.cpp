@@ -21,6 +21,14 @@ void one_by_one(std::uint8_t *digests, const std::array<Word, 8> &initial,
   }
 }
 
+/// Zeroes what a function that has returned left below this frame, in places that only its compiler
+/// knows.
+template <std::size_t kLen>
+[[gnu::noinline]] void wipe_dead_stack() noexcept {
+  std::uint8_t dead[kLen];
+  wipe(dead, kLen);
+}
+
 }  // namespace
 
 void sha256_lanes(std::uint8_t *digests, const std::array<std::uint32_t, 8> &initial,
@@ -33,7 +41,7 @@ void sha512_lanes(std::uint8_t *digests, const std::array<std::uint64_t, 8> &ini
                   const std::uint8_t *blocks, std::size_t count) noexcept {
   // Four lanes cost as much as two blocks and a half one after the other.
   constexpr std::size_t kLanes = 4, kBlock = 128, kDigest = 64, kWorthLanes = 3;
-  if (cpu::has(cpu::Feature::kAvx2)) {
+  if (count >= kWorthLanes && cpu::has(cpu::Feature::kAvx2)) {
     while (count >= kWorthLanes) {
       const std::size_t done = count < kLanes ? count : kLanes;
       sha512_lanes_avx2(digests, initial, blocks, done);
@@ -41,6 +49,9 @@ void sha512_lanes(std::uint8_t *digests, const std::array<std::uint64_t, 8> &ini
       blocks += done * kBlock;
       count -= done;
     }
+    // Sixteen registers do not hold the words of four blocks.
+    constexpr std::size_t kFrame = 2048;
+    wipe_dead_stack<kFrame>();
   }
   one_by_one(digests, initial, blocks, count, sha512_blocks);
 }

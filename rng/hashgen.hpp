@@ -103,7 +103,8 @@ class Messages {
 
   /// The next `count` blocks, at most kMost. They differ in their last limb and, where that
   /// carries, in all others: both forms of those are made once, and a mask chooses.
-  const std::uint8_t *next(std::size_t count) noexcept {
+  // Not inline: a caller that kept limbs in registers would have them saved on the stack.
+  [[gnu::noinline]] const std::uint8_t *next(std::size_t count) noexcept {
     constexpr std::size_t kTop = kSeedLimbs<Word> - 1;
     const std::uint64_t first = (*next_)[0];
     Wiped<Limbs<Word>> carried(*next_);
