@@ -21,14 +21,6 @@ void one_by_one(std::uint8_t *digests, const std::array<Word, 8> &initial,
   }
 }
 
-/// Zeroes what a function that has returned left below this frame, in places that only its compiler
-/// knows.
-template <std::size_t kLen>
-[[gnu::noinline]] void wipe_dead_stack() noexcept {
-  std::uint8_t dead[kLen];
-  wipe(dead, kLen);
-}
-
 }  // namespace
 
 void sha256_lanes(std::uint8_t *digests, const std::array<std::uint32_t, 8> &initial,
@@ -49,9 +41,6 @@ void sha512_lanes(std::uint8_t *digests, const std::array<std::uint64_t, 8> &ini
       blocks += done * kBlock;
       count -= done;
     }
-    // Sixteen registers do not hold the words of four blocks.
-    constexpr std::size_t kFrame = 2048;
-    wipe_dead_stack<kFrame>();
   }
   one_by_one(digests, initial, blocks, count, sha512_blocks);
 }

@@ -200,9 +200,11 @@ int32_t HASHDRBG_GenerateRandBit(uint8_t *out, uint32_t bits, const HASHDRBG_CON
   if (any_null<const void *>(out, context)) return ZEL_ERR_DRBG_ARGUMENT;
   const Variant *const variant = drbg::variant_of(context->hash);
   if (variant == nullptr) return ZEL_ERR_DRBG_HASH;
-  drbg::by_word(*variant,
-                [&]<class Word>(Word) { HashDrbg::fill<Word>(*context, *variant, out, bits); });
-  return ZEL_OK;
+  return with_wiped_stack<drbg::kStackDepth>([&] {
+    drbg::by_word(*variant,
+                  [&]<class Word>(Word) { HashDrbg::fill<Word>(*context, *variant, out, bits); });
+    return int32_t{ZEL_OK};
+  });
 }
 
 int32_t HASHDRBG_GenerateRandEntIn(uint8_t *out, HASHDRBG_CONTEXT *context, uint32_t bits,
