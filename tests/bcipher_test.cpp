@@ -1,0 +1,205 @@
+// Key objects, contexts, padding, and the order of the checks in the calls that drive the modes.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "tests/support/ciphers.hpp"
+
+namespace zel::test {
+namespace {
+
+TEST(Padding, CountsAndClamps) {
+  const Bytes data = from_hex("a1a2a3");
+  Bytes out(40, 0xcc);
+  EXPECT_EQ(AddPadding(out.data(), data.data(), 3, 8), 8U);
+  EXPECT_EQ(to_hex({out.begin(), out.begin() + 9}), "a1a2a30505050505cc");
+  EXPECT_EQ(AddPadding(out.data(), out.data(), 0, 16), 16U);
+  EXPECT_EQ(Bytes(out.begin(), out.begin() + 16), Bytes(16, 16));
+  for (const std::uint32_t bad : {0U, 256U, 0xffffffffU})
+    EXPECT_EQ(AddPadding(out.data(), data.data(), 3, bad), 3U) << bad;
+
+  out = from_hex("a1a2a3a4a5a60902");
+  Bytes copied(8);
+  EXPECT_EQ(RemovePadding(copied.data(), out.data(), 8), 6U);
+  EXPECT_EQ(copied, out);
+  EXPECT_EQ(RemovePadding(out.data(), out.data(), 7), 0U) << "nine of seven bytes";
+  EXPECT_EQ(RemovePadding(out.data(), out.data(), 0), 0U);
+}
+
+// The verdict over the padding of a final decryption, in its order.
+TEST(Padding, LastByteAloneDecides) {
+  const Key key = load_key(des, from_hex("0123456789abcdef"));
+  const auto verdict = [&key](const std::string &plain_hex) {
+    BCIPHER_CONTEXT context = start(ZEL_MODE_ECB, des, {});
+    const Bytes cipher = operate(false, context, key.get(), from_hex(plain_hex)).data;
+    return operate(true, context, key.get(), cipher, true);
+  };
+  EXPECT_EQ(verdict("1122334455667705").code, ZEL_OK);
+  EXPECT_EQ(to_hex(verdict("1122334455667705").data), "112233");
+  EXPECT_EQ(to_hex(verdict("1122334455667708").data), "");
+  for (const char *bad : {"1122334455667700", "1122334455667709", "11223344556677ff"}) {
+    EXPECT_EQ(verdict(bad).code, ZEL_ERR_PADDING);
+    EXPECT_EQ(to_hex(verdict(bad).data), bad) << "left deciphered, in full length";
+  }
+  EXPECT_EQ(verdict("").code, ZEL_ERR_PADDING);
+  EXPECT_EQ(verdict("112233445566770811").code, ZEL_ERR_GENERIC) << "a trailing byte comes first";
+  EXPECT_EQ(verdict("112233445566770811").data.size(), 9U);
+}
+
+// The order of the checks, each call breaking one rule more than the next, and what stays as it
+// was.
+TEST(Operation, ChecksInTheirOrder) {
+  const Key key = load_key(rijndael, Bytes(16, 1));
+  BCIPHER_CONTEXT aes = start(ZEL_MODE_GCM, rijndael, {});
+  BCIPHER_CONTEXT other = start(ZEL_MODE_CBC, rijndael256, {});
+  const Bytes in(16, 0x77);
+  Bytes out(32, 0xcc);
+  std::uint32_t len = 99;
+  for (const auto call : {BCIPHER_Encrypt, BCIPHER_Decrypt}) {
+    const auto code = [&](BCIPHER_CONTEXT *context, const BCIPHER_KEY *with) {
+      return call(out.data(), &len, in.data(), 16, context, with, 1);
+    };
+    EXPECT_EQ(code(&aes, nullptr), ZEL_ERR_GENERIC);
+    EXPECT_EQ(code(nullptr, key.get()), ZEL_ERR_GENERIC);
+    EXPECT_EQ(code(&other, key.get()), ZEL_ERR_GENERIC);
+    KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+    EXPECT_EQ(code(&other, key.get()), ZEL_ERR_GENERIC) << "the descriptors come first";
+    EXPECT_EQ(code(&aes, key.get()), ZEL_ERR_APPROVED) << "the mode comes last";
+    KZEL_CC_SetState(0);
+    EXPECT_EQ(code(nullptr, nullptr), ZEL_ERR_STATE) << "the state comes first";
+    KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+    EXPECT_EQ(call(out.data(), nullptr, in.data(), 16, &aes, key.get(), 1), ZEL_ERR_GENERIC);
+    EXPECT_EQ(call(nullptr, &len, in.data(), 16, &aes, key.get(), 1), ZEL_ERR_GENERIC);
+    EXPECT_EQ(call(out.data(), &len, nullptr, 16, &aes, key.get(), 1), ZEL_ERR_GENERIC);
+    EXPECT_EQ(out, Bytes(32, 0xcc));
+    for (const std::uint8_t mode : {11, 12, 13, 255, 0}) {
+      aes.mode = mode;
+      EXPECT_EQ(code(&aes, key.get()), ZEL_ERR_MODE);
+    }
+    EXPECT_EQ(len, 99U);
+    EXPECT_TRUE(std::equal(in.begin(), in.end(), out.begin())) << "the copy comes before the mode";
+    aes.mode = ZEL_MODE_GCM;
+    out.assign(32, 0xcc);
+  }
+}
+
+// A padded length that does not fit in 32 bits must not write a single byte.
+TEST(Operation, PaddedLengthBeyond32BitsIsRefused) {
+  const Key key = load_key(des, Bytes(8, 1));
+  Bytes bytes(16, 0xcc);
+  std::uint32_t len = 99;
+  for (const std::uint8_t mode : {ZEL_MODE_ECB, ZEL_MODE_CBC}) {
+    BCIPHER_CONTEXT context = start(mode, des, {});
+    EXPECT_EQ(BCIPHER_Encrypt(bytes.data(), &len, bytes.data(), 0xfffffff8, &context, key.get(), 1),
+              ZEL_ERR_GENERIC);
+  }
+  EXPECT_EQ(len, 99U);
+  EXPECT_EQ(bytes, Bytes(16, 0xcc));
+}
+
+// `final` is 1 and nothing else.
+TEST(Operation, OnlyOneIsFinal) {
+  const Key key = load_key(des, Bytes(8, 1));
+  BCIPHER_CONTEXT context = start(ZEL_MODE_ECB, des, {});
+  Bytes bytes(16);
+  std::uint32_t len = 0;
+  BCIPHER_Encrypt(bytes.data(), &len, bytes.data(), 8, &context, key.get(), 2);
+  EXPECT_EQ(len, 8U);
+  BCIPHER_Encrypt(bytes.data(), &len, bytes.data(), 8, &context, key.get(), 1);
+  EXPECT_EQ(len, 16U);
+}
+
+// In the verified service the block functions of the other ciphers do nothing, and then nothing
+// behind them may either: the key stream of counter mode is the counters themselves.
+TEST(Operation, FastPathsSleepWithTheirBlockFunctions) {
+  for (const CipherRow &row : kCiphers) {
+    SCOPED_TRACE(row.name);
+    const std::uint32_t len = row.block_len;
+    const Key key = load_key(*row.descriptor, Bytes(row.key_len, 7));
+    Bytes data(40 * len);
+    Bytes counter(len);
+    Bytes block(len, 0x3c);
+    KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+    row.descriptor->EncryptBlock(block.data(), key->round_keys);
+    BCIPHER_EncryptCTR(data.data(), 40 * len, key->round_keys, counter.data(), len,
+                       row.descriptor->EncryptBlock);
+    KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+    const bool asleep = block == Bytes(len, 0x3c);
+    EXPECT_EQ(asleep, !row.approved);
+    for (std::size_t i = 0; i < 40 && asleep; ++i)
+      ASSERT_EQ(data[i * len + len - 1], i);
+    EXPECT_EQ(counter.back(), 40);
+  }
+}
+
+TEST(KeyObject, LivesThroughLoadingCopyingAndWiping) {
+  EXPECT_EQ(BCIPHER_NewKey(nullptr), nullptr);
+  EXPECT_EQ(BCIPHER_DupKey(nullptr), nullptr);
+  BCIPHER_DelKey(nullptr);
+  BCIPHER_WipeKey(nullptr);
+
+  const Bytes bytes = from_hex("0123456789abcdef23456789abcdef01456789abcdef0123");
+  const Key key = load_key(tdes, bytes);
+  EXPECT_EQ(key->descriptor, &tdes);
+  EXPECT_EQ(key->key_len, 24U);
+  EXPECT_EQ(Bytes(key->key_bytes, key->key_bytes + 24), bytes);
+  const Key copy(BCIPHER_DupKey(key.get()), &BCIPHER_DelKey);
+  EXPECT_NE(copy->round_keys, key->round_keys);
+  EXPECT_EQ(std::memcmp(copy->round_keys, key->round_keys, 384), 0);
+
+  BCIPHER_WipeKey(key.get());
+  const Key blank(BCIPHER_DupKey(key.get()), &BCIPHER_DelKey);
+  EXPECT_EQ(blank->key_len, 24U) << "the length stays";
+  EXPECT_EQ(Bytes(blank->key_bytes, blank->key_bytes + 24), Bytes(24));
+  const auto *const schedule = static_cast<const std::uint8_t *>(blank->round_keys);
+  EXPECT_EQ(Bytes(schedule, schedule + 384), Bytes(384));
+  EXPECT_EQ(Bytes(copy->key_bytes, copy->key_bytes + 24), bytes) << "the copy is its own";
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 24, &tdes), ZEL_OK) << "and reloads";
+  EXPECT_EQ(std::memcmp(copy->round_keys, key->round_keys, 384), 0);
+}
+
+TEST(KeyObject, RefusalsTouchNothing) {
+  const Key key = load_key(rijndael, Bytes(16, 9));
+  const BCIPHER_KEY before = *key;
+  const Bytes bytes(200, 3);
+  EXPECT_EQ(BCIPHER_MakeKey(nullptr, bytes.data(), 16, &rijndael), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), nullptr, 16, &rijndael), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 16, nullptr), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 16, &aesni), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 33, &rijndael), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 0x00400008, &rijndael), ZEL_ERR_GENERIC);
+  EXPECT_EQ(std::memcmp(key.get(), &before, sizeof before), 0);
+
+  // RC2 packs the effective bits into the upper half; 0 in the lower half means 128 bytes.
+  const Key packed = new_key(rc2);
+  EXPECT_EQ(BCIPHER_MakeKey(packed.get(), bytes.data(), 0x00400008, &rc2), ZEL_OK);
+  EXPECT_EQ(packed->key_len, 8U);
+  EXPECT_EQ(BCIPHER_MakeKey(packed.get(), bytes.data(), 0x00400000, &rc2), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_MakeKey(packed.get(), bytes.data(), 0x00400021, &rc2), ZEL_ERR_GENERIC);
+}
+
+TEST(Context, InitialisationChecksInTheirOrder) {
+  BCIPHER_CONTEXT context;
+  std::memset(&context, 0x5a, sizeof context);
+  const BCIPHER_CONTEXT before = context;
+  for (const std::uint8_t mode : {0, 13, 255})
+    EXPECT_EQ(BCIPHER_Initialize(nullptr, mode, nullptr, nullptr), ZEL_ERR_MODE);
+  EXPECT_EQ(BCIPHER_Initialize(nullptr, 1, nullptr, &des), ZEL_ERR_GENERIC);
+  EXPECT_EQ(BCIPHER_Initialize(&context, 1, nullptr, nullptr), ZEL_ERR_GENERIC);
+  for (const std::uint32_t block_len : {0U, 17U}) {
+    BCIPHER_ALGORITHM strange = des;
+    strange.block_len = block_len;
+    EXPECT_EQ(BCIPHER_Initialize(&context, 1, nullptr, &strange), ZEL_ERR_GENERIC);
+  }
+  EXPECT_EQ(std::memcmp(&context, &before, sizeof context), 0);
+
+  for (std::uint8_t mode = 1; mode <= 12; ++mode)
+    EXPECT_EQ(BCIPHER_Initialize(&context, mode, nullptr, &des), ZEL_OK);
+  EXPECT_EQ(Bytes(context.chain, context.chain + 8), Bytes(8));
+  EXPECT_EQ(context.chain[8], 0x5a) << "only a block of the register is set";
+  EXPECT_EQ(context.stream_pos, 0);
+}
+
+}  // namespace
+}  // namespace zel::test
