@@ -14,6 +14,9 @@
 namespace zel::aes {
 namespace {
 
+// Out of line, or in loops that are not written out, slices would live in memory: half the speed.
+#define ZEL_UNROLLED inline __attribute__((always_inline))
+
 constexpr std::size_t kLanes = 4;
 using Word = std::uint64_t;
 using Slices = std::array<Word, 8>;
@@ -70,7 +73,7 @@ constexpr unsigned kConstant = 0x63;
 
 /// A linear map and a constant, over slices.
 template <const Columns &kMap, unsigned kAdd>
-inline Slices affine(const Slices &x) noexcept {
+ZEL_UNROLLED Slices affine(const Slices &x) noexcept {
   Slices result{};
   bulk::each<8>([&](auto to) {
     Word sum = (kAdd >> to & 1) != 0 ? ~Word{0} : Word{0};
@@ -91,12 +94,12 @@ constexpr unsigned kInverseConstant = gf256::apply(kInverseIntoTower, kConstant)
 /// Four slices: elements of GF(16).
 using Nibble = std::array<Word, 4>;
 
-inline Nibble add(const Nibble &a, const Nibble &b) noexcept {
+ZEL_UNROLLED Nibble add(const Nibble &a, const Nibble &b) noexcept {
   return {a[0] ^ b[0], a[1] ^ b[1], a[2] ^ b[2], a[3] ^ b[3]};
 }
 
 /// Product modulo z^4 + z + 1.
-inline Nibble multiply(const Nibble &a, const Nibble &b) noexcept {
+ZEL_UNROLLED Nibble multiply(const Nibble &a, const Nibble &b) noexcept {
   const Word z4 = (a[1] & b[3]) ^ (a[2] & b[2]) ^ (a[3] & b[1]);
   const Word z5 = (a[2] & b[3]) ^ (a[3] & b[2]);
   const Word z6 = a[3] & b[3];
@@ -105,22 +108,24 @@ inline Nibble multiply(const Nibble &a, const Nibble &b) noexcept {
           (a[0] & b[3]) ^ (a[1] & b[2]) ^ (a[2] & b[1]) ^ (a[3] & b[0]) ^ z6};
 }
 
-inline Nibble square(const Nibble &a) noexcept { return {a[0] ^ a[2], a[2], a[1] ^ a[3], a[3]}; }
+ZEL_UNROLLED Nibble square(const Nibble &a) noexcept {
+  return {a[0] ^ a[2], a[2], a[1] ^ a[3], a[3]};
+}
 
 /// z^3 times the square.
-inline Nibble square_times_z3(const Nibble &a) noexcept {
+ZEL_UNROLLED Nibble square_times_z3(const Nibble &a) noexcept {
   return {a[2], a[1] ^ a[2] ^ a[3], a[1], a[0] ^ a[2] ^ a[3]};
 }
 
 /// a^14, as a^2 times a^4 times a^8.
-inline Nibble invert(const Nibble &a) noexcept {
+ZEL_UNROLLED Nibble invert(const Nibble &a) noexcept {
   const Nibble second = square(a);
   const Nibble fourth = square(second);
   return multiply(multiply(second, fourth), square(fourth));
 }
 
 /// Inversion of p*y + q: the norm is p^2 z^3 + p q + q^2.
-inline Slices invert_in_tower(const Slices &x) noexcept {
+ZEL_UNROLLED Slices invert_in_tower(const Slices &x) noexcept {
   const Nibble q{x[0], x[1], x[2], x[3]};
   const Nibble p{x[4], x[5], x[6], x[7]};
   const Nibble norm = add(add(square_times_z3(p), square(q)), multiply(p, q));
@@ -130,18 +135,19 @@ inline Slices invert_in_tower(const Slices &x) noexcept {
   return {low[0], low[1], low[2], low[3], high[0], high[1], high[2], high[3]};
 }
 
-inline Slices sub_bytes(const Slices &x) noexcept {
+ZEL_UNROLLED Slices sub_bytes(const Slices &x) noexcept {
   return affine<kOutOfTower, kConstant>(invert_in_tower(affine<kIntoTower, 0>(x)));
 }
 
-inline Slices invert_sub_bytes(const Slices &x) noexcept {
+ZEL_UNROLLED Slices invert_sub_bytes(const Slices &x) noexcept {
   return affine<kInverseOutOfTower, 0>(
       invert_in_tower(affine<kInverseIntoTower, kInverseConstant>(x)));
 }
 
 /// Moves each row r down by 4r bits of its 16, or up for the inverse.
-inline Slices shift_rows(const Slices &x) noexcept {
+ZEL_UNROLLED Slices shift_rows(const Slices &x) noexcept {
   Slices result;
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j) {
     const Word s = x[j];
     result[j] = (s & 0xffff) | (s >> 4 & 0x0fff0000) | (s << 12 & 0xf0000000) |
@@ -151,8 +157,9 @@ inline Slices shift_rows(const Slices &x) noexcept {
   return result;
 }
 
-inline Slices invert_shift_rows(const Slices &x) noexcept {
+ZEL_UNROLLED Slices invert_shift_rows(const Slices &x) noexcept {
   Slices result;
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j) {
     const Word s = x[j];
     result[j] = (s & 0xffff) | (s << 4 & 0xfff00000) | (s >> 12 & 0x000f0000) |
@@ -163,43 +170,47 @@ inline Slices invert_shift_rows(const Slices &x) noexcept {
 }
 
 /// x times the polynomial x: section 4.2.1.
-inline Slices times_two(const Slices &x) noexcept {
+ZEL_UNROLLED Slices times_two(const Slices &x) noexcept {
   return {x[7], x[0] ^ x[7], x[1], x[2] ^ x[7], x[3] ^ x[7], x[4], x[5], x[6]};
 }
 
 /// x ^ the rows `rows` further down.
-inline Slices add_rows(const Slices &x, int rows) noexcept {
+ZEL_UNROLLED Slices add_rows(const Slices &x, int rows) noexcept {
   Slices result;
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j)
     result[j] = x[j] ^ std::rotr(x[j], 16 * rows);
   return result;
 }
 
-inline Slices mix_columns(const Slices &x) noexcept {
+ZEL_UNROLLED Slices mix_columns(const Slices &x) noexcept {
   const Slices pairs = add_rows(x, 1);
   const Slices doubled = times_two(pairs);
   Slices result;
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j)
     result[j] = doubled[j] ^ std::rotr(x[j], 16) ^ std::rotr(pairs[j], 32);
   return result;
 }
 
 /// The inverse matrix is the matrix itself times 5, 0, 4, 0.
-inline Slices invert_mix_columns(const Slices &x) noexcept {
+ZEL_UNROLLED Slices invert_mix_columns(const Slices &x) noexcept {
   const Slices fourfold = times_two(times_two(add_rows(x, 2)));
   Slices sum;
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j)
     sum[j] = x[j] ^ fourfold[j];
   return mix_columns(sum);
 }
 
-inline void add_key(Slices &x, const Slices &key) noexcept {
+ZEL_UNROLLED void add_key(Slices &x, const Slices &key) noexcept {
+#pragma GCC unroll 8
   for (std::size_t j = 0; j < 8; ++j)
     x[j] ^= key[j];
 }
 
 /// Bit i of byte j to bit j of byte i.
-inline Word transpose(Word x) noexcept {
+ZEL_UNROLLED Word transpose(Word x) noexcept {
   const auto swap = [&x](int shift, Word mask) {
     const Word difference = (x ^ x >> shift) & mask;
     x ^= difference ^ difference << shift;
@@ -217,25 +228,31 @@ constexpr std::size_t place(std::size_t group, std::size_t k) noexcept {
   return kBlockLen * (k % 4) + 4 * column + row;
 }
 
-inline Slices slice(const std::uint8_t *blocks) noexcept {
+ZEL_UNROLLED Slices slice(const std::uint8_t *blocks) noexcept {
   Slices x{};
+#pragma GCC unroll 8
   for (std::size_t group = 0; group < 8; ++group) {
     Word bytes = 0;
+#pragma GCC unroll 8
     for (std::size_t k = 0; k < 8; ++k)
       bytes |= Word{blocks[place(group, k)]} << (8 * k);
     bytes = transpose(bytes);
+#pragma GCC unroll 8
     for (std::size_t j = 0; j < 8; ++j)
       x[j] |= (bytes >> (8 * j) & 0xff) << (8 * group);
   }
   return x;
 }
 
-inline void unslice(std::uint8_t *blocks, const Slices &x) noexcept {
+ZEL_UNROLLED void unslice(std::uint8_t *blocks, const Slices &x) noexcept {
+#pragma GCC unroll 8
   for (std::size_t group = 0; group < 8; ++group) {
     Word bytes = 0;
+#pragma GCC unroll 8
     for (std::size_t j = 0; j < 8; ++j)
       bytes |= (x[j] >> (8 * group) & 0xff) << (8 * j);
     bytes = transpose(bytes);
+#pragma GCC unroll 8
     for (std::size_t k = 0; k < 8; ++k)
       blocks[place(group, k)] = static_cast<std::uint8_t>(bytes >> (8 * k));
   }
@@ -359,6 +376,8 @@ constexpr bulk::Ops ops() noexcept {
   result.serial = serial<Size>;
   return result;
 }
+
+#undef ZEL_UNROLLED
 
 }  // namespace
 
