@@ -245,6 +245,7 @@ TEST_P(EveryCipher, EveryModeAndLengthAsInTheModel) {
     for (const int mode : kModes) {
       for (const std::size_t len : lengths) {
         if (len > 300 && (mode == ZEL_MODE_CFB1 || set.mask == 0)) continue;  // slow in the model
+        if (set.name != "everything" && len % 5 != 0) continue;  // a sample without the features
         SCOPED_TRACE(std::to_string(len) + " bytes in mode " + std::to_string(mode) + " on " +
                      set.name);
         const Bytes iv = random.bytes(descriptor.block_len);
