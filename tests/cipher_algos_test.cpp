@@ -82,13 +82,17 @@ TEST_P(EveryCipher, ManyBlocksAreBlocks) {
     const Bytes plain = bytes(133 * len);
     Bytes round_keys, expected = plain;
     {
-      const FeatureMask nothing(0);
+      // An instruction-only descriptor computes nothing there; its block function is the reference.
+      const bool instructions = cipher_.EncryptBlock == aesni.EncryptBlock ||
+                                cipher_.EncryptBlock == aesni256.EncryptBlock;
+      const FeatureMask least(instructions ? ~0U : 0U);
       round_keys = schedule(cipher_, key);
       for (std::size_t i = 0; i < expected.size(); i += len)
         cipher_.EncryptBlock(&expected[i], round_keys.data());
     }
     for (const FeatureSet &set : feature_sets()) {
       const FeatureMask mask(set.mask);
+      if (!GetParam().computes()) continue;
       SCOPED_TRACE(set.name);
       ASSERT_EQ(to_hex(schedule(cipher_, key)), to_hex(round_keys));
       for (std::size_t count = 0; count <= 133; count += count < 70 ? 1 : 9) {
