@@ -30,13 +30,13 @@ class Search {
            e_fits;
   }
 
-  /// Draws candidates until one passes; zero when none of very many does.
+  /// Draws candidates until one passes; zero when none of very many does, or there is none to draw.
   template <class Draw>
   void run(MINT *p, Draw draw) const noexcept {
     const std::uint32_t iterations = PRIME_SelectMRIter(min_bits_);
     MINT_RandInit();
     for (std::uint32_t tries = 1000 * (max_bits_ + 100); tries != 0; --tries) {
-      draw(p);
+      if (!draw(p)) break;
       if (has_e_ && !coprime(*p)) continue;
       if (PRIME_MRTest(p, iterations) == 1) return trim(*p);
     }
@@ -86,11 +86,14 @@ class ResidueClass {
   /// False where every member is even.
   bool may_be_prime() const noexcept { return used(*a_) != 0 && a_->words[0] % 2 != 0; }
 
-  void draw(MINT *p) const noexcept {
+  /// False where nothing lies between the bounds.
+  bool draw(MINT *p) const noexcept {
     MINT_RandWithinMINT(p, &*low_, &*high_);
+    if (p->length == 0) return false;
     p->words[0] &= ~1U;
     MINT_Mult(p, p, &*m_);
     MINT_Add(p, p, &*a_);
+    return true;
   }
 
  private:
@@ -138,6 +141,7 @@ void PRIME_GeneratePrime(MINT *p, uint32_t minBits, uint32_t maxBits, const MINT
   search.run(p, [minBits, maxBits](MINT *candidate) {
     if (MINT_RandWithinRange(candidate, minBits, maxBits) == 0) MINT_SetByInteger(candidate, 1);
     candidate->words[0] |= 1;
+    return true;
   });
 }
 
@@ -148,7 +152,7 @@ void PRIME_GeneratePrimeCongruence(MINT *p, const MINT *a, const MINT *m, uint32
   const ResidueClass members(*a, *m, minBits, maxBits);
   p->length = 0;
   if (plain_zero || !search.may_succeed() || !members.may_be_prime()) return;
-  search.run(p, [&members](MINT *candidate) { members.draw(candidate); });
+  search.run(p, [&members](MINT *candidate) { return members.draw(candidate); });
 }
 
 void PRIME_GenerateStrongPrime(MINT *p, uint32_t minBits, uint32_t maxBits, const MINT *e,

@@ -352,6 +352,9 @@ TEST_F(Draws, BoundsWithoutAPrimeEndInZero) {
   EXPECT_EQ(p.length, 0U) << "even members";
   PRIME_GeneratePrimeCongruence(&p, &two, &zero, 64, 64, nullptr);
   EXPECT_EQ(p.length, 0U) << "no modulus";
+  const MINT beyond = {3, {0, 0, 1}};
+  PRIME_GeneratePrimeCongruence(&p, &three, &beyond, 64, 64, nullptr);
+  EXPECT_EQ(p.length, 0U) << "nothing between the bounds";
   PRIME_GeneratePrimeCongruence(&p, &three, &three, 24, 24, nullptr);
   EXPECT_EQ(p.length, 0U) << "multiples of 3, found out by trying";
   PRIME_GenerateStrongPrime(&p, 64, 64, nullptr, 4000, 4000, 30);
