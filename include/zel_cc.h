@@ -13,6 +13,7 @@
 #include "zel_cc/hashdrbg.h"
 #include "zel_cc/hmac.h"
 #include "zel_cc/hmacdrbg.h"
+#include "zel_cc/legacy_rng.h"
 #include "zel_cc/mint.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"

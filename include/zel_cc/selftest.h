@@ -45,6 +45,29 @@ ZEL_API int32_t CONDITIONAL_SELFTEST_HASHDRBG(const uint8_t *previous, const uin
 ZEL_API int32_t CONDITIONAL_SELFTEST_HMACDRBG(const uint8_t *previous, const uint8_t *next,
                                               int32_t len);
 
+/**
+ * Repeated-output test of `KCDSARNGHAS160_GenerateX`: a value must differ from the one before, and
+ * then takes its place. The module state does not change: the generator itself enters the error
+ * state when its test fails.
+ *
+ * @param[in,out] previous  [len] bytes; may be null when `len` is 0
+ * @param[in]     next      [len] bytes; may be null when `len` is 0
+ * @param[in]     len       bytes; nothing is compared when it is 0
+ * @retval ZEL_OK           the values differ, and `previous` is now a copy of `next`; or `len` is 0
+ * @retval ZEL_ERR_GENERIC  the values are equal; or a null argument or negative length; nothing
+ *                          touched
+ * @retval ZEL_ERR_STATE    module not serving; nothing touched
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_KCDSA_RNG_HAS160(uint8_t *previous, const uint8_t *next,
+                                                      int32_t len);
+
+/**
+ * Repeated-output test of `DSARNGSHA1_GenerateX`.
+ * @copydetails CONDITIONAL_SELFTEST_KCDSA_RNG_HAS160
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_DSA_RNG_SHA1(uint8_t *previous, const uint8_t *next,
+                                                  int32_t len);
+
 ZEL_END_DECLS
 
 #endif
