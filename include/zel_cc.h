@@ -18,9 +18,11 @@
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"
 #include "zel_cc/mint_rand.h"
+#include "zel_cc/pkcrypt.h"
 #include "zel_cc/prime.h"
 #include "zel_cc/rc4.h"
 #include "zel_cc/rng.h"
+#include "zel_cc/rsa.h"
 #include "zel_cc/selftest.h"
 #include "zel_cc/state.h"
 

@@ -1,10 +1,4 @@
 // Block ciphers, modes and RC4.
-#include <cstdlib>
-
-#ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/asan_interface.h>
-#endif
-
 #include "tests/gates/gates.hpp"
 
 namespace zel::test {
@@ -47,21 +41,8 @@ struct Arena {
   }
 };
 
-/// Whether BCIPHER_DelKey gave the record back: the next one of its size is the same again, once
-/// the allocator has nothing else of that size at hand.
 std::int64_t releases(Arena &arena) {
-  const auto record = reinterpret_cast<std::uintptr_t>(arena.aes_key);
-#ifdef __SANITIZE_ADDRESS__
-  BCIPHER_DelKey(arena.aes_key);
-  const bool released = __asan_address_is_poisoned(reinterpret_cast<const void *>(record)) != 0;
-#else
-  void *volatile taken = nullptr;
-  for (int i = 0; i < 1000; ++i)
-    taken = std::malloc(sizeof(BCIPHER_KEY));
-  BCIPHER_DelKey(arena.aes_key);
-  taken = std::malloc(sizeof(BCIPHER_KEY));
-  const bool released = reinterpret_cast<std::uintptr_t>(taken) == record;
-#endif
+  const bool released = is_given_back(arena.aes_key, BCIPHER_DelKey);
   arena.aes_key = arena.aria_key;
   return released ? 1 : 0;
 }

@@ -11,8 +11,13 @@
 // the heap) are watched too when the arena has `Bytes watched() const`.
 #pragma once
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/asan_interface.h>
+#endif
+
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
@@ -85,6 +90,24 @@ Bytes bytes_of(const Arena &arena) {
     bytes.insert(bytes.end(), elsewhere.begin(), elsewhere.end());
   }
   return bytes;
+}
+
+/// Whether a function gave a record back: the next one of its size is the same again, once the
+/// allocator has nothing else of that size at hand.
+template <class Object>
+bool is_given_back(Object *object, void (*release)(Object *)) {
+  const auto record = reinterpret_cast<std::uintptr_t>(object);
+#ifdef __SANITIZE_ADDRESS__
+  release(object);
+  return __asan_address_is_poisoned(reinterpret_cast<const void *>(record)) != 0;
+#else
+  void *volatile taken = nullptr;
+  for (int i = 0; i < 1000; ++i)
+    taken = std::malloc(sizeof(Object));
+  release(object);
+  taken = std::malloc(sizeof(Object));
+  return reinterpret_cast<std::uintptr_t>(taken) == record;
+#endif
 }
 
 template <class Arena>
