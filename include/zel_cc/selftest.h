@@ -1,6 +1,7 @@
 /**
  * @file
- * Self-tests that an application may run, and those that the library runs on its own output.
+ * Self-tests that the library runs on its own output. Those for applications are in
+ * zel_cc/known_answer.h.
  *
  * A self-test works in the self-test state (2) and returns to the state that it came from; a
  * failure leaves the module in its error state (-98).

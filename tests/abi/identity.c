@@ -103,6 +103,7 @@ static const uint8_t kSeedIn[16] = {0};
 
 int main(void) {
   uint8_t not_approved[8] = {0};
+  check(SELFTEST_VerifiedAlgorithm() == ZEL_OK, "self-tests");
   check(KZEL_CC_SetStateVerifiedService() == ZEL_STATE_VERIFIED, "verified service");
   hashes(&sha384,
          "09330c33f71147e83d192fc782cd1b4753111b173b3b05d22fa08086e3b0f712"

@@ -22,6 +22,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -74,12 +75,22 @@ struct Outcome {
 struct Gate {
   std::string name;
   Answers answers;
-  /// Sets the data up, calls `enter`, then the function.
-  std::function<Outcome(const std::function<void()> &enter)> call;
+  /// Sets the data up; the result calls the function on them, once.
+  std::function<std::function<Outcome()>()> prepare;
 };
 
 /// Every row of every room.
 std::vector<Gate> &all_gates();
+
+/// What is wrong with an outcome; empty when it is as expected.
+std::string complaint(const Expected &expected, const Outcome &outcome);
+
+/// Runs `body` in a process of its own and returns its text, which is empty when all is well:
+/// nothing leads out of the error state, and nothing that a body does can disturb another.
+std::string in_own_process(const std::function<std::string()> &body);
+
+/// The functions of the version script: the exported names with a capital letter, p_min and p_max.
+std::set<std::string> exported_functions();
 
 template <class Arena>
 Bytes bytes_of(const Arena &arena) {
@@ -114,22 +125,22 @@ template <class Arena>
 struct Row {
   template <class Call>
   Row(const char *name, const Answers &answers, Call call)
-      : gate{name, answers, [call](const std::function<void()> &enter) {
-               const auto arena = std::make_unique<Arena>();
-               const Bytes before = bytes_of(*arena);
-               enter();
-               Outcome outcome;
-               using Result = decltype(call(*arena));
-               if constexpr (std::is_void_v<Result>) {
-                 call(*arena);
-                 outcome.is_void = true;
-               } else if constexpr (std::is_pointer_v<Result>) {
-                 outcome.result = call(*arena) != nullptr;
-               } else {
-                 outcome.result = static_cast<std::int64_t>(call(*arena));
-               }
-               outcome.touched = bytes_of(*arena) != before;
-               return outcome;
+      : gate{name, answers, [call] {
+               const auto arena = std::make_shared<Arena>();
+               return [call, arena, before = bytes_of(*arena)] {
+                 Outcome outcome;
+                 using Result = decltype(call(*arena));
+                 if constexpr (std::is_void_v<Result>) {
+                   call(*arena);
+                   outcome.is_void = true;
+                 } else if constexpr (std::is_pointer_v<Result>) {
+                   outcome.result = call(*arena) != nullptr;
+                 } else {
+                   outcome.result = static_cast<std::int64_t>(call(*arena));
+                 }
+                 outcome.touched = bytes_of(*arena) != before;
+                 return outcome;
+               };
              }} {
     static_assert(std::is_trivially_copyable_v<Arena>);
   }
