@@ -1,7 +1,7 @@
 /**
  * @file
- * Known-answer tests: each runs one algorithm through its public functions on fixed data and
- * compares.
+ * Self-tests for applications: known-answer tests, each of which runs one algorithm through its
+ * public functions on fixed data and compares, and the runs of several of them.
  *
  * All of them behave alike. From state 3 or 4 a test works in the self-test state (2), which holds
  * for every thread of the process, and returns to the state that it came from; state 1 stays. Run
@@ -233,6 +233,24 @@ ZEL_API int32_t SELFTEST_HMAC_DRBG384(void);
  * @retval ZEL_ERR_STATE  module not serving; nothing touched
  */
 ZEL_API int32_t SELFTEST_HMAC_DRBG512(void);
+
+/**
+ * Tests `KCDSARNGHAS160_GenerateX`: one value from a fixed seed and key.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_KCDSA_RNG  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_KCDSA_RNG_HAS160(void);
+
+/**
+ * Tests `DSARNGSHA1_GenerateX`: two values from a fixed seed and key.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_DSA_RNG  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_DSA_RNG_SHA1(void);
 
 /**
  * Runs the known-answer tests of all eight DRBGs, in the self-test state.
