@@ -46,6 +46,10 @@ void cfb_stream(Way way, const bulk::Cipher &cipher, Piece piece, std::uint8_t *
 void ofb(const bulk::Cipher &cipher, Piece piece, std::uint8_t *chain) noexcept;
 void ofb_byte(const bulk::Cipher &cipher, Piece piece, const std::uint8_t *chain) noexcept;
 void ctr(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter) noexcept;
+/// Counter mode whose counter is the last `field_len` bytes of the block, 1 to 4, and wraps within
+/// them. A partial block uses up its key stream; a call of zero bytes does nothing.
+void ctr_field(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter,
+               std::size_t field_len) noexcept;
 
 /// The checks that every operation with a context and a key begins with, in their order: state,
 /// null objects, one descriptor for both, approved cipher in the verified service.

@@ -7,6 +7,7 @@
 
 #include "zel_cc/base.h"
 #include "zel_cc/bcipher.h"
+#include "zel_cc/bcipher_auth.h"
 #include "zel_cc/ciphers.h"
 #include "zel_cc/errors.h"
 #include "zel_cc/hash.h"
