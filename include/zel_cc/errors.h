@@ -142,10 +142,18 @@ enum ZEL_ERROR {
   ZEL_ERR_SHARE3_INVERSE = -22092,
   /** Key sharing, threshold three: subtraction of shares failed. */
   ZEL_ERR_SHARE3_SUBTRACT = -22093,
+  /** Key sharing, threshold three: fewer than three shares. */
+  ZEL_ERR_SHARE3_TOO_FEW = -22094,
+  /** Key sharing, threshold three: a number of shares outside 3 to 5. */
+  ZEL_ERR_SHARE3_COUNT = -22095,
   /** Key sharing, threshold two: modular inverse missing. */
   ZEL_ERR_SHARE2_INVERSE = -22096,
   /** Key sharing, threshold two: subtraction of shares failed, or a share missing. */
-  ZEL_ERR_SHARE2_SUBTRACT = -22097
+  ZEL_ERR_SHARE2_SUBTRACT = -22097,
+  /** Key sharing, threshold two: fewer than two shares. */
+  ZEL_ERR_SHARE2_TOO_FEW = -22098,
+  /** Key sharing, threshold two: a number of shares outside 2 to 5. */
+  ZEL_ERR_SHARE2_COUNT = -22099
 };
 
 /** One code and its meaning, for `zel_error_text`. */
@@ -235,9 +243,13 @@ static inline const char *zel_error_text(int32_t code) {
       {ZEL_ERR_RSASSA_PSS_TEST, "RSASSA-PSS: known-answer or pairwise test failed"},
       {ZEL_ERR_SHARE3_INVERSE, "key sharing, threshold three: modular inverse missing"},
       {ZEL_ERR_SHARE3_SUBTRACT, "key sharing, threshold three: subtraction of shares failed"},
+      {ZEL_ERR_SHARE3_TOO_FEW, "key sharing, threshold three: fewer than three shares"},
+      {ZEL_ERR_SHARE3_COUNT, "key sharing, threshold three: a number of shares outside 3 to 5"},
       {ZEL_ERR_SHARE2_INVERSE, "key sharing, threshold two: modular inverse missing"},
       {ZEL_ERR_SHARE2_SUBTRACT,
        "key sharing, threshold two: subtraction of shares failed, or a share missing"},
+      {ZEL_ERR_SHARE2_TOO_FEW, "key sharing, threshold two: fewer than two shares"},
+      {ZEL_ERR_SHARE2_COUNT, "key sharing, threshold two: a number of shares outside 2 to 5"},
   };
   size_t i;
   if (code > 0) return "a length or a truth value";
