@@ -3,22 +3,50 @@
 
 #include "pk/algorithms.hpp"
 
-namespace {
-
-constexpr PKCRYPT_ALGORITHM sizes_only() noexcept {
-  PKCRYPT_ALGORITHM scheme{};
-  scheme.PriKeySize = sizeof(RSA_PRIVATE_KEY);
-  scheme.PubKeySize = sizeof(RSA_PUBLIC_KEY);
-  scheme.SignatureSize = sizeof(MINT);
-  return scheme;
-}
-
-}  // namespace
-
 extern "C" {
 
-constinit const PKCRYPT_ALGORITHM rsa = sizes_only();
-constinit const PKCRYPT_ALGORITHM rsa21 = sizes_only();
+constinit const PKCRYPT_ALGORITHM rsa = {
+    .Sign = RSA_SSA_S,
+    .Verify = RSA_SSA_V,
+    .SignFile = RSA_SSA_S_File,
+    .VerifyFile = RSA_SSA_V_File,
+    .Encrypt = nullptr,
+    .Decrypt = nullptr,
+    .GenParam = nullptr,
+    .GenKeyOfBits = nullptr,
+    .CheckParam = nullptr,
+    .CheckPlainKey = nullptr,
+    .CheckPlainKeyPair = nullptr,
+    .PriKeySize = sizeof(RSA_PRIVATE_KEY),
+    .PubKeySize = sizeof(RSA_PUBLIC_KEY),
+    .ParamSize = 0,
+    .SignatureSize = sizeof(MINT),
+    .Type = PKCRYPT_TYPE_PLAIN,
+    .zero = 0,
+    .SignHash = RSA_SSA_S_Hash,
+    .VerifyHash = RSA_SSA_V_Hash,
+};
+constinit const PKCRYPT_ALGORITHM rsa21 = {
+    .Sign = RSA_SSA_PSS_S,
+    .Verify = RSA_SSA_PSS_V,
+    .SignFile = RSA_SSA_PSS_S_File,
+    .VerifyFile = RSA_SSA_PSS_V_File,
+    .Encrypt = nullptr,
+    .Decrypt = nullptr,
+    .GenParam = nullptr,
+    .GenKeyOfBits = nullptr,
+    .CheckParam = nullptr,
+    .CheckPlainKey = nullptr,
+    .CheckPlainKeyPair = nullptr,
+    .PriKeySize = sizeof(RSA_PRIVATE_KEY),
+    .PubKeySize = sizeof(RSA_PUBLIC_KEY),
+    .ParamSize = 0,
+    .SignatureSize = sizeof(MINT),
+    .Type = PKCRYPT_TYPE_PLAIN,
+    .zero = 0,
+    .SignHash = RSA_SSA_PSS_S_Hash,
+    .VerifyHash = RSA_SSA_PSS_V_Hash,
+};
 
 extern const PKCRYPT_ALGORITHM zel_own_rsa ZEL_HIDDEN_ALIAS("rsa");
 extern const PKCRYPT_ALGORITHM zel_own_rsa21 ZEL_HIDDEN_ALIAS("rsa21");
