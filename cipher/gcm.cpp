@@ -18,7 +18,7 @@ using ghash::kBlockLen;
 /// Bytes of the counter that inc32 changes.
 constexpr std::size_t kCounterLen = 4;
 /// A message passes the cipher and the hash in pieces that stay in the nearest cache.
-constexpr std::size_t kPieceLen = 4096;
+constexpr std::size_t kPieceLen = 8192;
 /// Messages of as many blocks are enciphered in one call together with H and the mask of the tag.
 constexpr std::size_t kShortBlocks = 6;
 

@@ -17,6 +17,7 @@
 #include "zel_cc/legacy_rng.h"
 #include "zel_cc/known_answer.h"
 #include "zel_cc/keyshare.h"
+#include "zel_cc/mac.h"
 #include "zel_cc/mint.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"

@@ -14,6 +14,8 @@ struct Arena {
   std::uint32_t out_len = 77;
   std::uint8_t chain[16]{4, 5, 6};
   BCIPHER_CONTEXT aria_gcm{}, aes_gcm{};
+  CMAC_CONTEXT cmac{};
+  DAC_CONTEXT dac{};
   RC4_STATE rc4{};
 
   Arena() {
@@ -23,6 +25,8 @@ struct Arena {
     BCIPHER_Initialize(&aes_context, ZEL_MODE_CBC, in, &rijndael);
     BCIPHER_Initialize(&aria_gcm, ZEL_MODE_GCM, nullptr, &aria);
     BCIPHER_Initialize(&aes_gcm, ZEL_MODE_GCM, nullptr, &rijndael);
+    CMAC_Initialize(&cmac, in, 16, &aria);
+    DAC_Initialize(&dac, in, 16, &aria);
     RC4_init(&rc4, in, 128);
   }
 
@@ -97,6 +101,12 @@ const Rows<Arena> kRows{
     {"GMAC_Mult", ungated(), [](Arena &a) { return GMAC_Mult(a.out, a.in, a.chain, 16); }},
     {"GMAC_GCTR", ungated(), [](Arena &a) { return GMAC_GCTR(a.out, a.chain, a.in, 32, 16, a.aria_key->round_keys, ARIA_EncryptBlock); }},
     {"GMAC_Inc", ungated(), [](Arena &a) { return GMAC_Inc(a.chain, 16, 4); }},
+    {"CMAC_Initialize", ungated(), [](Arena &a) { return CMAC_Initialize(&a.cmac, a.chain, 16, &rijndael); }},
+    {"CMAC_Update", ungated(), [](Arena &a) { return CMAC_Update(&a.cmac, a.in, 32); }},
+    {"CMAC_Finalize", ungated(), [](Arena &a) { return CMAC_Finalize(a.out, 16, &a.cmac); }},
+    {"DAC_Initialize", not_approved(code(), ZEL_STATE_VERIFIED), [](Arena &a) { return DAC_Initialize(&a.dac, a.chain, 16, &aria); }},
+    {"DAC_Update", kInApproved, [](Arena &a) { DAC_Update(&a.dac, a.in, 5); }},
+    {"DAC_Finalize", kInApproved, [](Arena &a) { DAC_Finalize(a.out, 16, &a.dac); }},
     {"AddPadding", ungated(), [](Arena &a) { return AddPadding(a.out, a.in, 32, 16); }},
     {"RemovePadding", ungated(), [](Arena &a) { return RemovePadding(a.out, a.in, 32); }},
     {"RC4_init", kInApproved, [](Arena &a) { RC4_init(&a.rc4, a.in + 1, 128); }},
