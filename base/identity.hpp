@@ -7,11 +7,22 @@
 // now names.
 #pragma once
 
+#include <cstring>
+
 namespace zel {
 
 template <class Object>
 inline bool is_same(const Object *given, const Object &own, const Object &exported) noexcept {
   return given == &own || given == &exported;
+}
+
+/// The same where a mistake would open a gate: what the exported name now names counts only while
+/// it holds what the own object holds, as the copy of a program does and a global of its own does
+/// not.
+template <class Object>
+inline bool is_genuine(const Object *given, const Object &own, const Object &exported) noexcept {
+  if (given == &own) return true;
+  return given == &exported && std::memcmp(given, &own, sizeof own) == 0;
 }
 
 }  // namespace zel

@@ -18,8 +18,8 @@ namespace zel {
 
 /// Whether the cipher may be used in the verified service.
 inline bool is_approved(const BCIPHER_ALGORITHM *given) noexcept {
-  return is_same(given, zel_own_aria, aria) || is_same(given, zel_own_aria192, aria192) ||
-         is_same(given, zel_own_aria256, aria256) || is_same(given, zel_own_seed, seed);
+  return is_genuine(given, zel_own_aria, aria) || is_genuine(given, zel_own_aria192, aria192) ||
+         is_genuine(given, zel_own_aria256, aria256) || is_genuine(given, zel_own_seed, seed);
 }
 
 namespace bulk {

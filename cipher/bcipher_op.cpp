@@ -20,6 +20,8 @@ using modes::Piece;
 using modes::Way;
 
 constexpr std::uint8_t kFinal = 1;
+/// The deepest that a key schedule goes on the stack, and some more.
+constexpr std::size_t kScheduleStackDepth = 3072;
 
 /// How many bytes a key length means: RC2 packs the effective bits into the upper half.
 std::uint32_t bytes_of_key(std::uint32_t key_len, const BCIPHER_ALGORITHM *descriptor) noexcept {
@@ -30,8 +32,15 @@ std::uint32_t bytes_of_key(std::uint32_t key_len, const BCIPHER_ALGORITHM *descr
   return bytes == 0 ? kMostRc2KeyBytes : bytes;
 }
 
+/// How many of the key bytes a record's key length covers.
 std::uint32_t loaded_bytes(const BCIPHER_KEY &key) noexcept {
   return std::min<std::uint32_t>(key.key_len, ZEL_MAX_KEY_LEN);
+}
+
+/// Whether the modes can work with a descriptor: a caller's own may hold anything.
+bool is_sound(const BCIPHER_ALGORITHM &cipher) noexcept {
+  return cipher.DecryptBlock != nullptr &&
+         bulk::fits(cipher.block_len, cipher.EncryptBlock, cipher.DecryptBlock);
 }
 
 /// Whether a call pads or unpads.
@@ -96,7 +105,9 @@ std::int32_t run(Way way, Piece piece, BCIPHER_CONTEXT &context, const BCIPHER_K
     case ZEL_MODE_CTR:
       modes::ctr(cipher, piece, chain);
       return ZEL_OK;
-    default:  // the authenticated modes have calls of their own
+    default:
+      // Deliberate: the copy comes before the mode is judged. (The authenticated modes have calls
+      // of their own.)
       modes::copy(piece.out, piece.in, piece.len);
       return ZEL_ERR_MODE;
   }
@@ -108,9 +119,18 @@ std::int32_t modes::check_operation(const BCIPHER_CONTEXT *context,
                                     const BCIPHER_KEY *key) noexcept {
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(key, context)) return ZEL_ERR_GENERIC;
-  if (key->descriptor != context->descriptor) return ZEL_ERR_GENERIC;
+  if (key->descriptor != context->descriptor || key->descriptor == nullptr) return ZEL_ERR_GENERIC;
   if (gate::approved_only() && !is_approved(context->descriptor)) return ZEL_ERR_APPROVED;
+  if (key->round_keys == nullptr || !is_sound(*key->descriptor)) return ZEL_ERR_GENERIC;
   return ZEL_OK;
+}
+
+modes::Piece modes::separate(Piece piece) noexcept {
+  const auto out = reinterpret_cast<std::uintptr_t>(piece.out);
+  const auto in = reinterpret_cast<std::uintptr_t>(piece.in);
+  if (out == in || (out - in >= piece.len && in - out >= piece.len)) return piece;
+  copy(piece.out, piece.in, piece.len);
+  return {piece.out, piece.out, piece.len};
 }
 
 }  // namespace zel
@@ -131,7 +151,7 @@ BCIPHER_KEY *BCIPHER_NewKey(const BCIPHER_ALGORITHM *descriptor) {
 }
 
 BCIPHER_KEY *BCIPHER_DupKey(const BCIPHER_KEY *key) {
-  if (!gate::serving() || key == nullptr) return nullptr;
+  if (!gate::serving() || key == nullptr || key->round_keys == nullptr) return nullptr;
   BCIPHER_KEY *const copy = BCIPHER_NewKey(key->descriptor);
   if (copy == nullptr) return nullptr;
   std::memcpy(copy->round_keys, key->round_keys, key->descriptor->round_keys_len);
@@ -147,7 +167,7 @@ void BCIPHER_DelKey(BCIPHER_KEY *key) {
 }
 
 void BCIPHER_WipeKey(BCIPHER_KEY *key) {
-  if (!gate::serving() || key == nullptr || key->round_keys == nullptr) return;
+  if (!gate::serving() || key == nullptr || any_null(key->descriptor, key->round_keys)) return;
   wipe(key->round_keys, key->descriptor->round_keys_len);
   wipe(key->key_bytes, loaded_bytes(*key));
 }
@@ -166,13 +186,17 @@ int32_t BCIPHER_MakeKey(BCIPHER_KEY *key, const uint8_t *key_bytes, uint32_t key
                         const BCIPHER_ALGORITHM *descriptor) {
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(key, key_bytes, descriptor)) return ZEL_ERR_GENERIC;
-  if (key->descriptor != descriptor) return ZEL_ERR_GENERIC;
+  if (key->descriptor != descriptor || key->round_keys == nullptr) return ZEL_ERR_GENERIC;
   const std::uint32_t bytes = bytes_of_key(key_len, descriptor);
   if (bytes > ZEL_MAX_KEY_LEN) return ZEL_ERR_GENERIC;
-  std::memcpy(key->key_bytes, key_bytes, bytes);
-  key->key_len = bytes;
-  descriptor->MakeRoundKey(key->round_keys, key_bytes, key_len);
-  return ZEL_OK;
+  return with_wiped_stack<kScheduleStackDepth>([&] {
+    std::memcpy(key->key_bytes, key_bytes, bytes);
+    key->key_len = key_len;
+    // Deliberate: what the schedule answers is not looked at. A cipher that computes nothing, as in
+    // the verified service, is loaded like any other and refused when it is to be used.
+    descriptor->MakeRoundKey(key->round_keys, key_bytes, key_len);
+    return ZEL_OK;
+  });
 }
 
 int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const uint8_t *iv,
@@ -180,7 +204,7 @@ int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const uint8_t
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (mode < ZEL_MODE_ECB || mode > ZEL_MODE_CCM) return ZEL_ERR_MODE;
   if (any_null(context, descriptor)) return ZEL_ERR_GENERIC;
-  if (!bulk::is_block_len(descriptor->block_len)) return ZEL_ERR_GENERIC;
+  if (!is_sound(*descriptor)) return ZEL_ERR_GENERIC;
   context->mode = mode;
   context->descriptor = descriptor;
   if (iv != nullptr) {
@@ -199,11 +223,9 @@ int32_t BCIPHER_Encrypt(uint8_t *out, uint32_t *out_len, const uint8_t *in, uint
   const bool padded = ends_padded(*context, final);
   if (any_null(out_len) || (in_len > 0 && any_null(out, in)) || (padded && any_null(out)))
     return ZEL_ERR_GENERIC;
-  Piece piece{out, in, in_len};
-  if (padded) {
-    if (in_len > UINT32_MAX - ZEL_MAX_BLOCK_LEN) return ZEL_ERR_GENERIC;
-    piece = {out, out, pad(out, in, in_len, *context->descriptor)};
-  }
+  if (padded && in_len > UINT32_MAX - ZEL_MAX_BLOCK_LEN) return ZEL_ERR_GENERIC;
+  const Piece piece = padded ? Piece{out, out, pad(out, in, in_len, *context->descriptor)}
+                             : modes::separate({out, in, in_len});
   const int32_t result = run(Way::kEncrypt, piece, *context, *key);
   if (result != ZEL_ERR_MODE) *out_len = static_cast<uint32_t>(piece.len);
   return result;
@@ -214,7 +236,7 @@ int32_t BCIPHER_Decrypt(uint8_t *out, uint32_t *out_len, const uint8_t *in, uint
   const int32_t refusal = modes::check_operation(context, key);
   if (refusal != ZEL_OK) return refusal;
   if (any_null(out_len) || (in_len > 0 && any_null(out, in))) return ZEL_ERR_GENERIC;
-  const int32_t result = run(Way::kDecrypt, {out, in, in_len}, *context, *key);
+  const int32_t result = run(Way::kDecrypt, modes::separate({out, in, in_len}), *context, *key);
   if (result != ZEL_ERR_MODE) *out_len = in_len;
   if (result != ZEL_OK || !ends_padded(*context, final)) return result;
   return unpad(out, out_len, *context->descriptor);

@@ -82,21 +82,24 @@ struct Ops {
   SerialFn serial = nullptr;
 };
 
-/// The fast paths behind a block function; null for a caller's own and, in the verified service,
-/// for the ciphers that compute nothing there.
-const Ops *ops_for(BCIPHER_BLOCK_FN encrypt_block) noexcept;
+/// Whether blocks of `block_len` bytes can go through these block functions. Those of this library
+/// take their own length and no other; of a caller's own, nothing but the limits is known.
+/// `decryption` may be null.
+bool fits(std::size_t block_len, BCIPHER_BLOCK_FN encryption, BCIPHER_BLOCK_FN decryption) noexcept;
 
-/// A keyed cipher as the modes use it. Every operation takes whole blocks.
+/// Copies between buffers that may be the same one, or overlap.
+inline void copy(std::uint8_t *out, const std::uint8_t *in, std::size_t len) noexcept {
+  if (out != in && len != 0) std::memmove(out, in, len);
+}
+
+/// A keyed cipher as the modes use it. Every operation takes whole blocks. It takes the fast paths
+/// of the encryption function if the block length is that function's own, and those for decryption
+/// if the decryption function is of the same cipher; in the verified service, if it is approved.
 class Cipher {
  public:
-  /// `decryption` may be null where nothing is deciphered.
+  /// fits() must have said so. `decryption` may be null where nothing is deciphered.
   Cipher(std::size_t len, BCIPHER_BLOCK_FN encryption, BCIPHER_BLOCK_FN decryption,
-         const void *keys) noexcept
-      : block_len_(len),
-        encrypt_block_(encryption),
-        decrypt_block_(decryption),
-        round_keys_(keys),
-        ops_(ops_for(encryption)) {}
+         const void *keys) noexcept;
 
   explicit Cipher(const BCIPHER_KEY &key) noexcept
       : Cipher(key.descriptor->block_len, key.descriptor->EncryptBlock,
@@ -129,7 +132,8 @@ class Cipher {
   BCIPHER_BLOCK_FN encrypt_block_;
   BCIPHER_BLOCK_FN decrypt_block_;
   const void *round_keys_;
-  const Ops *ops_;
+  const Ops *forth_;  ///< for all that enciphers
+  const Ops *back_;
 };
 
 /// Adds 1 to a big-endian number that wraps to zero.

@@ -39,10 +39,6 @@ void steal_decrypt(const bulk::Cipher &cipher, Piece last, std::size_t tail,
 
 }  // namespace
 
-void copy(std::uint8_t *out, const std::uint8_t *in, std::size_t len) noexcept {
-  if (out != in && len != 0) std::memmove(out, in, len);
-}
-
 std::size_t ecb(Way way, const bulk::Cipher &cipher, Piece piece) noexcept {
   const std::size_t count = piece.len / cipher.block_len();
   if (way == Way::kEncrypt) {

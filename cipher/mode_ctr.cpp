@@ -54,7 +54,7 @@ using namespace zel;
 
 uint32_t BCIPHER_EncryptCTR(uint8_t *data, uint32_t len, const void *round_keys, uint8_t *counter,
                             uint32_t block_len, BCIPHER_BLOCK_FN encrypt_block) {
-  if (!bulk::is_block_len(block_len)) return len;
+  if (!bulk::fits(block_len, encrypt_block, nullptr)) return len;
   modes::ctr(bulk::Cipher(block_len, encrypt_block, nullptr, round_keys), {data, data, len},
              counter);
   return 0;

@@ -6,6 +6,12 @@
 #include "cipher/modes.hpp"
 
 namespace zel::modes {
+namespace {
+
+/// Room for the longest block, whatever the caller's register has.
+using Register = Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]>;
+
+}  // namespace
 
 // Deliberate: a call of zero bytes uses up a block of key stream, as a partial block does.
 void ofb(const bulk::Cipher &cipher, Piece piece, std::uint8_t *chain) noexcept {
@@ -14,13 +20,16 @@ void ofb(const bulk::Cipher &cipher, Piece piece, std::uint8_t *chain) noexcept 
   cipher.serial(bulk::Chain::kOfb, piece.out, piece.in, count, chain);
   piece.skip(count * len);
   if (piece.len == 0 && count > 0) return;
-  cipher.encrypt_block(chain);
-  xor_bytes(piece.out, piece.in, chain, piece.len);
+  Register held;
+  std::memcpy(*held, chain, len);
+  cipher.encrypt_block(*held);
+  xor_bytes(piece.out, piece.in, *held, piece.len);
+  std::memcpy(chain, *held, len);
 }
 
 // Deliberate: only a copy of the register moves, so that every call starts from the IV again.
 void ofb_byte(const bulk::Cipher &cipher, Piece piece, const std::uint8_t *chain) noexcept {
-  Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]> held;
+  Register held;
   std::uint8_t *const reg = *held;
   std::memcpy(reg, chain, cipher.block_len());
   for (; piece.len > 0; piece.skip(1)) {
@@ -35,7 +44,7 @@ using namespace zel;
 
 uint32_t BCIPHER_EncryptOFB(uint8_t *data, uint32_t len, const void *round_keys, uint8_t *chain,
                             uint32_t block_len, BCIPHER_BLOCK_FN encrypt_block) {
-  if (!bulk::is_block_len(block_len)) return len;
+  if (!bulk::fits(block_len, encrypt_block, nullptr)) return len;
   modes::ofb(bulk::Cipher(block_len, encrypt_block, nullptr, round_keys), {data, data, len}, chain);
   return 0;
 }
@@ -43,7 +52,7 @@ uint32_t BCIPHER_EncryptOFB(uint8_t *data, uint32_t len, const void *round_keys,
 uint32_t BCIPHER_EncryptOFB_BYTE(uint8_t *data, uint32_t len, const void *round_keys,
                                  const uint8_t *chain, uint32_t block_len,
                                  BCIPHER_BLOCK_FN encrypt_block) {
-  if (!bulk::is_block_len(block_len)) return len;
+  if (!bulk::fits(block_len, encrypt_block, nullptr)) return len;
   modes::ofb_byte(bulk::Cipher(block_len, encrypt_block, nullptr, round_keys), {data, data, len},
                   chain);
   return 0;

@@ -52,10 +52,14 @@ void ctr_field(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter,
                std::size_t field_len) noexcept;
 
 /// The checks that every operation with a context and a key begins with, in their order: state,
-/// null objects, one descriptor for both, approved cipher in the verified service.
+/// null objects, one descriptor for both, approved cipher in the verified service; then whether
+/// the records hold what the modes can work with.
 std::int32_t check_operation(const BCIPHER_CONTEXT *context, const BCIPHER_KEY *key) noexcept;
 
-/// Copies between buffers that may be the same one.
-void copy(std::uint8_t *out, const std::uint8_t *in, std::size_t len) noexcept;
+using bulk::copy;
+
+/// What the modes can work on: where `out` and `in` overlap without being the same, everything is
+/// copied to `out` first.
+Piece separate(Piece piece) noexcept;
 
 }  // namespace zel::modes

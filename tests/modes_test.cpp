@@ -323,32 +323,76 @@ TEST_P(EveryCipher, RoundTripsInEveryMode) {
   }
 }
 
+// Where input and output overlap without being the same, the input is copied first.
+TEST_P(EveryCipher, OverlappingBuffersAreCopiedFirst) {
+  const std::size_t len = 9 * descriptor.block_len;
+  const Bytes in = random.bytes(len);
+  for (const int mode : kModes) {
+    for (const bool decrypt : {false, true}) {
+      for (const int shift : {-40, -1, 1, 8, static_cast<int>(len) - 1}) {
+        Bytes room(3 * len);
+        std::uint8_t *const from = room.data() + len;
+        std::copy(in.begin(), in.end(), from);
+        BCIPHER_CONTEXT context = start(static_cast<std::uint8_t>(mode), descriptor, {});
+        Model model(descriptor, key->round_keys, Bytes(descriptor.block_len));
+        std::uint32_t done = static_cast<std::uint32_t>(len);
+        (decrypt ? BCIPHER_Decrypt : BCIPHER_Encrypt)(from + shift, &done, from, done, &context,
+                                                      key.get(), 0);
+        ASSERT_EQ(to_hex({from + shift, from + shift + len}), to_hex(model.run(mode, decrypt, in)))
+            << "mode " << mode << (decrypt ? " decryption" : "") << ", shifted by " << shift;
+      }
+    }
+  }
+}
+
+constexpr std::pair<int, decltype(&BCIPHER_EncryptCTR)> kModeFunctions[] = {
+    {ZEL_MODE_CTR, BCIPHER_EncryptCTR},
+    {ZEL_MODE_OFB, BCIPHER_EncryptOFB},
+    {ZEL_MODE_OFB_BYTE, [](std::uint8_t *data, std::uint32_t len, const void *keys,
+                           std::uint8_t *chain, std::uint32_t block_len, BCIPHER_BLOCK_FN encrypt) {
+       return BCIPHER_EncryptOFB_BYTE(data, len, keys, chain, block_len, encrypt);
+     }}};
+
 // The exported mode functions take any block function: the library's own, which may have a fast
-// path, and a stranger's.
+// path and goes with its own block length alone, and a stranger's.
 TEST_P(EveryCipher, ModeFunctionsOverABlockFunction) {
   const std::uint32_t len = descriptor.block_len;
+  const bool own = std::any_of(std::begin(kCiphers), std::end(kCiphers),
+                               [this](const auto &each) { return each.descriptor == &descriptor; });
   const Bytes data = random.bytes(1000);
   const Bytes iv = random.bytes(len);
-  const auto same = [&](int mode, auto function) {
+  for (const auto &[mode, function] : kModeFunctions) {
     Bytes out = data;
     Bytes reg = iv;
     Model model(descriptor, key->round_keys, iv);
-    EXPECT_EQ(
-        function(out.data(), 1000U, key->round_keys, reg.data(), len, descriptor.EncryptBlock), 0U);
+    EXPECT_EQ(function(out.data(), 1000, key->round_keys, reg.data(), len, descriptor.EncryptBlock),
+              0U);
     EXPECT_EQ(out, model.run(mode, false, data));
     EXPECT_EQ(reg, model.chain);
-    for (const std::uint32_t bad : {0U, 17U, 0x10000010U}) {
+    for (const std::uint32_t bad : {0U, 17U, 0x10000010U, 1U, 4U, 8U, 15U, 16U}) {
+      if (bad == len || (!own && bad >= 1 && bad <= 16)) continue;
       out = data;
-      EXPECT_EQ(
-          function(out.data(), 1000U, key->round_keys, reg.data(), bad, descriptor.EncryptBlock),
-          1000U);
+      for (const BCIPHER_BLOCK_FN block : {descriptor.EncryptBlock, descriptor.DecryptBlock})
+        EXPECT_EQ(function(out.data(), 500, key->round_keys, reg.data(), bad, block), 500U) << bad;
       EXPECT_EQ(out, data);
       EXPECT_EQ(reg, model.chain);
     }
-  };
-  same(ZEL_MODE_CTR, BCIPHER_EncryptCTR);
-  same(ZEL_MODE_OFB, BCIPHER_EncryptOFB);
-  same(ZEL_MODE_OFB_BYTE, BCIPHER_EncryptOFB_BYTE);
+    EXPECT_EQ(function(out.data(), 500, key->round_keys, reg.data(), len, nullptr), 500U);
+  }
+}
+
+// A stranger's function may have longer blocks than its caller says: nothing is written behind the
+// message or the register.
+TEST(ModeFunctions, StayInsideTheMessageOfAWrongBlockLength) {
+  const auto sixteen = [](void *block, const void *) { std::memset(block, 0x99, 16); };
+  for (const auto &[mode, function] : kModeFunctions)
+    for (std::uint32_t len = 1; len < 16; ++len)
+      for (const std::uint32_t message : {0U, 5U, 64U, 4096U}) {
+        Bytes data(message + 16, 0x11), reg(32, 0x22);
+        EXPECT_EQ(function(data.data(), message, reg.data(), reg.data(), len, sixteen), 0U);
+        EXPECT_EQ(Bytes(data.begin() + message, data.end()), Bytes(16, 0x11)) << mode;
+        EXPECT_EQ(Bytes(reg.begin() + len, reg.end()), Bytes(32 - len, 0x22)) << mode;
+      }
 }
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, EveryCipher, ::testing::ValuesIn(kCiphers),

@@ -74,8 +74,9 @@ enum ZEL_MODE {
 typedef struct {
   const BCIPHER_ALGORITHM *descriptor; /**< the cipher; fixed at creation */
   uint8_t key_bytes[ZEL_MAX_KEY_LEN];  /**< copy of the key that was loaded last */
-  uint32_t key_len;                    /**< how many of them; 0 after creation */
-  void *round_keys;                    /**< expanded schedule, of the descriptor's length */
+  uint32_t key_len; /**< how many of them, or what `rc2` was given: bytes and effective bits; 0
+                         after creation */
+  void *round_keys; /**< expanded schedule, of the descriptor's length */
 } BCIPHER_KEY;
 ZEL_STATIC_ASSERT(sizeof(BCIPHER_KEY) == 56, "layout of BCIPHER_KEY");
 
@@ -139,8 +140,8 @@ ZEL_API BCIPHER_KEY *BCIPHER_NewKey(const BCIPHER_ALGORITHM *descriptor);
  * Copies a key object with its key and its schedule.
  *
  * @param[in] key  the object to copy
- * @return a key object of its own; null when the module is not serving, `key` is null or memory is
- *         short
+ * @return a key object of its own; null when the module is not serving, `key` or its schedule is
+ *         null or memory is short
  */
 ZEL_API BCIPHER_KEY *BCIPHER_DupKey(const BCIPHER_KEY *key);
 
@@ -154,7 +155,7 @@ ZEL_API void BCIPHER_DelKey(BCIPHER_KEY *key);
 
 /**
  * Zeroes the schedule and the key bytes. The key length stays, and a new key may be loaded. Does
- * nothing when the module is not serving, or `key` or its schedule is null.
+ * nothing when the module is not serving, or `key`, its descriptor or its schedule is null.
  *
  * @param[in,out] key  the object to clear
  */
@@ -176,7 +177,8 @@ ZEL_API int32_t BCIPHER_GenKey(uint8_t *out, uint32_t len);
 
 /**
  * Loads a key and expands it. Whether the length suits the cipher is the cipher's business: no
- * answer tells.
+ * answer tells. The record keeps `key_len` as it was given, so that its `key_bytes` and `key_len`
+ * make the same key again, with `rc2` too.
  *
  * @param[in,out] key         from `BCIPHER_NewKey`
  * @param[in]     key_bytes   [key_len] bytes, and at least the key length of a cipher with a fixed
@@ -186,7 +188,8 @@ ZEL_API int32_t BCIPHER_GenKey(uint8_t *out, uint32_t len);
  * @param[in]     descriptor  the one that the object was made for
  * @retval ZEL_OK          done
  * @retval ZEL_ERR_STATE   module not serving; nothing touched
- * @retval ZEL_ERR_GENERIC null argument, foreign descriptor, or a longer key; nothing touched
+ * @retval ZEL_ERR_GENERIC null argument, foreign descriptor, no schedule, or a longer key; nothing
+ *                         touched
  */
 ZEL_API int32_t BCIPHER_MakeKey(BCIPHER_KEY *key, const uint8_t *key_bytes, uint32_t key_len,
                                 const BCIPHER_ALGORITHM *descriptor);
@@ -201,8 +204,9 @@ ZEL_API int32_t BCIPHER_MakeKey(BCIPHER_KEY *key, const uint8_t *key_bytes, uint
  * @retval ZEL_OK          done
  * @retval ZEL_ERR_STATE   module not serving; nothing touched
  * @retval ZEL_ERR_MODE    unknown mode; nothing touched
- * @retval ZEL_ERR_GENERIC null context or descriptor, or a block length of 0 or above 16; nothing
- *                         touched
+ * @retval ZEL_ERR_GENERIC null context or descriptor; a descriptor without one of the two block
+ *                         functions, with a block length of 0 or above 16, or with a block function
+ *                         of this library and not its block length; nothing touched
  */
 ZEL_API int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const uint8_t *iv,
                                    const BCIPHER_ALGORITHM *descriptor);
@@ -215,7 +219,7 @@ ZEL_API int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const
  * register in OFB and CTR.
  *
  * @param[out]    out      [in_len] bytes, or [in_len + block] on a final ECB or CBC call; may equal
- *                         `in` but not overlap it otherwise
+ *                         `in`. Where the two overlap otherwise, `in` is first moved to `out`
  * @param[out]    out_len  bytes written
  * @param[in]     in       [in_len] bytes
  * @param[in]     in_len   bytes
@@ -224,10 +228,12 @@ ZEL_API int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const
  * @param[in]     final    1 for the last piece of a message
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_STATE    module not serving; nothing touched
- * @retval ZEL_ERR_GENERIC  null argument, key of another descriptor, or a padded length above 32
- *                          bits: nothing touched. In ECB and CBC, a trailing partial block: the
- *                          whole blocks are done, the rest is copied, `out_len` counts everything.
- *                          In mode 7, one block or less: copied, `out_len` counts it
+ * @retval ZEL_ERR_GENERIC  null argument, key of another descriptor, a record that holds a null
+ *                          pointer or a descriptor that `BCIPHER_Initialize` refuses, or a padded
+ *                          length above 32 bits: nothing touched. In ECB and CBC, a trailing
+ *                          partial block: the whole blocks are done, the rest is copied, `out_len`
+ *                          counts everything. In mode 7, one block or less: copied, `out_len`
+ *                          counts it
  * @retval ZEL_ERR_APPROVED verified service and a cipher that is not approved; nothing touched
  * @retval ZEL_ERR_MODE     GCM, CCM or an unknown mode: `in` was copied to `out`, nothing else
  * Modes: SP 800-38A and its addendum. Padding: RFC 5652, section 6.3.
@@ -242,7 +248,8 @@ ZEL_API int32_t BCIPHER_Encrypt(uint8_t *out, uint32_t *out_len, const uint8_t *
  * On a final call the last byte alone tells how much padding there is; the other padding bytes are
  * not compared. CFB with full blocks (mode 3) does not chain: give the whole message in one call.
  *
- * @param[out]    out      [in_len] bytes; may equal `in` but not overlap it otherwise
+ * @param[out]    out      [in_len] bytes; may equal `in`. Where the two overlap otherwise, `in` is
+ *                         first moved to `out`
  * @param[out]    out_len  bytes of message
  * @param[in]     in       [in_len] bytes
  * @param[in]     in_len   bytes
@@ -288,13 +295,18 @@ ZEL_API uint32_t RemovePadding(uint8_t *out, const uint8_t *in, uint32_t len);
  * Every block of key stream that is begun is used up: a partial block discards the rest of it, and
  * a call of zero bytes discards a whole one.
  *
+ * Take the block function from the descriptor (`rijndael.EncryptBlock`): a program linked at a
+ * fixed address that takes it by name (`RIJNDAEL_EncryptBlock`) has an address of its own for it,
+ * which works alike, block after block, but not by the faster ways for many blocks.
+ *
  * @param[in,out] data           [len] bytes
  * @param[in]     len            bytes
  * @param[in]     round_keys     schedule for `encrypt_block`
  * @param[in,out] counter        [block_len] bytes: a big-endian number that wraps to zero
- * @param[in]     block_len      1 to 16
+ * @param[in]     block_len      1 to 16; for a block function of this library its own
  * @param[in]     encrypt_block  enciphers one block
- * @return bytes left unprocessed: 0, or `len` for a block length out of range
+ * @return bytes left unprocessed: 0, or `len`, with nothing touched, for another block length or a
+ *         null function
  */
 ZEL_API uint32_t BCIPHER_EncryptCTR(uint8_t *data, uint32_t len, const void *round_keys,
                                     uint8_t *counter, uint32_t block_len,
@@ -308,9 +320,10 @@ ZEL_API uint32_t BCIPHER_EncryptCTR(uint8_t *data, uint32_t len, const void *rou
  * @param[in]     len            bytes
  * @param[in]     round_keys     schedule for `encrypt_block`
  * @param[in,out] chain          [block_len] bytes: the register
- * @param[in]     block_len      1 to 16
+ * @param[in]     block_len      1 to 16; for a block function of this library its own
  * @param[in]     encrypt_block  enciphers one block
- * @return bytes left unprocessed: 0, or `len` for a block length out of range
+ * @return bytes left unprocessed: 0, or `len`, with nothing touched, for another block length or a
+ *         null function
  */
 ZEL_API uint32_t BCIPHER_EncryptOFB(uint8_t *data, uint32_t len, const void *round_keys,
                                     uint8_t *chain, uint32_t block_len,
@@ -324,9 +337,10 @@ ZEL_API uint32_t BCIPHER_EncryptOFB(uint8_t *data, uint32_t len, const void *rou
  * @param[in]     len            bytes
  * @param[in]     round_keys     schedule for `encrypt_block`
  * @param[in]     chain          [block_len] bytes: the register
- * @param[in]     block_len      1 to 16
+ * @param[in]     block_len      1 to 16; for a block function of this library its own
  * @param[in]     encrypt_block  enciphers one block
- * @return bytes left unprocessed: 0, or `len` for a block length out of range
+ * @return bytes left unprocessed: 0, or `len`, with nothing touched, for another block length or a
+ *         null function
  */
 ZEL_API uint32_t BCIPHER_EncryptOFB_BYTE(uint8_t *data, uint32_t len, const void *round_keys,
                                          const uint8_t *chain, uint32_t block_len,

@@ -1,6 +1,9 @@
 // The block ciphers for tests that run over all of them.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -62,17 +65,24 @@ struct Result {
   Bytes data;  ///< as many bytes as the call reported
 };
 
-/// One call of BCIPHER_Encrypt or BCIPHER_Decrypt, in place or from one buffer to another.
+/// One call of BCIPHER_Encrypt or BCIPHER_Decrypt, in place or from one buffer to another. Behind
+/// the message, or the padded one, nothing may be written.
 inline Result operate(bool decrypt, BCIPHER_CONTEXT &context, const BCIPHER_KEY *key,
                       const Bytes &in, bool last = false, bool in_place = false) {
-  Bytes out(in.size() + ZEL_MAX_BLOCK_LEN, 0xcc);
+  Bytes out(in.size() + 2 * ZEL_MAX_BLOCK_LEN, 0xcc);
   if (in_place) std::copy(in.begin(), in.end(), out.begin());
   std::uint32_t len = 0xffffffff;
   const auto call = decrypt ? BCIPHER_Decrypt : BCIPHER_Encrypt;
   const std::int32_t code =
       call(out.data(), &len, in_place ? out.data() : in.data(),
            static_cast<std::uint32_t>(in.size()), &context, key, last ? 1 : 0);
-  out.resize(len == 0xffffffff ? 0 : len);
+  if (len == 0xffffffff) len = 0;
+  const bool padded = last && !decrypt && context.mode <= ZEL_MODE_CBC;
+  const std::size_t end = padded && code == ZEL_OK ? len : in.size();
+  EXPECT_LE(len, end);
+  EXPECT_TRUE(std::all_of(out.begin() + static_cast<std::ptrdiff_t>(end), out.end(),
+                          [](int byte) { return byte == 0xcc; }));
+  out.resize(len);
   return {code, out};
 }
 
