@@ -17,6 +17,8 @@ std::vector<Option> shared_options(SharedFlags &flags) {
       {"v", "verbose", "", "Say more about what is done", &flags.verbose},
       {"", "json", "", "Print one JSON object on standard output", &flags.json},
       {"", "legacy", "", "Open algorithms that are not approved", &flags.legacy},
+      {"", "passphrase-fd", "N", "Passphrase: a line from descriptor N", &flags.passphrase_fd},
+      {"", "passphrase-file", "FILE", "Passphrase: the first line of FILE", &flags.passphrase_file},
       {"",
        "progress",
        "WHEN",

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "tools/zel/failure.hpp"
+#include "tools/zel/strong_rand.h"
 #include "zel_cc/selftest.h"
 
 namespace zel::tool {
@@ -48,6 +49,18 @@ std::array<std::uint8_t, 16> fresh_nonce() {
 }
 
 }  // namespace
+
+void require_strong_rand() {
+  if (zel_strong_rand_in_force() != 0) return;
+  throw Failure(Exit::kEntropy, "rand", "not the kernel's generator in this process",
+                "unset LD_PRELOAD");
+}
+
+void require_entropy() {
+  Wiped<Entropy> entropy;
+  collect(*entropy);
+  require_strong_rand();
+}
 
 Generator::Generator() {
   Wiped<Entropy> entropy;

@@ -9,6 +9,13 @@
 
 namespace zel::tool {
 
+/// A `Failure` unless `rand` is the kernel's generator in this process.
+void require_strong_rand();
+
+/// Makes sure that what is about to be generated cannot be guessed: the collector reports its full
+/// entropy count, and `rand` is the kernel's generator. Otherwise a `Failure`.
+void require_entropy();
+
 /// One Hash_DRBG with SHA-256 at strength 256. It is seeded from the whole entropy of the
 /// collector, again every 64 MiB, and only when the collector reports its full entropy count.
 /// Whatever is wrong ends as a `Failure` with the exit code for entropy, before a byte of that

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -24,7 +25,17 @@ struct Slot {
 constexpr std::size_t kSlots = 8;
 constinit std::array<Slot, kSlots> g_slots{};
 
+/// The terminal that is silent, or -1, and how it was before.
+constinit std::atomic<int> g_silent{-1};
+struct termios g_before {};
+
+void restore_terminal() {
+  const int number = g_silent.exchange(-1);
+  if (number >= 0) ::tcsetattr(number, TCSANOW, &g_before);
+}
+
 void end(int signal_number) {
+  restore_terminal();
   for (const Slot &slot : g_slots) {
     if (slot.armed.load()) ::unlink(slot.path.data());
   }
@@ -52,6 +63,16 @@ void install_signal_handlers() {
   }
   static_cast<void>(::signal(SIGXFSZ, SIG_IGN));
 }
+
+SilentTerminal::SilentTerminal(int number) {
+  if (::tcgetattr(number, &g_before) != 0) return;  // not a terminal: nothing is shown
+  struct termios silent = g_before;
+  silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+  g_silent.store(number);
+  ::tcsetattr(number, TCSAFLUSH, &silent);
+}
+
+SilentTerminal::~SilentTerminal() { restore_terminal(); }
 
 Temporary::Temporary(const std::string &path) : slot_(kSlots) {
   if (path.size() >= PATH_MAX) return;  // no file can have that name

@@ -22,6 +22,16 @@ class Temporary {
   std::size_t slot_;
 };
 
+/// A terminal that does not show what is typed while this lives; a signal that ends the program makes
+/// it show again. One at a time.
+class SilentTerminal {
+ public:
+  explicit SilentTerminal(int number);
+  ~SilentTerminal();
+  SilentTerminal(const SilentTerminal &) = delete;
+  SilentTerminal &operator=(const SilentTerminal &) = delete;
+};
+
 /// Whether a progress bar stands on the terminal: a signal then clears that line.
 extern std::atomic<bool> g_bar_is_shown;
 

@@ -4,9 +4,9 @@
 
 #include "base/wipe.hpp"
 #include "tools/zel/command.hpp"
+#include "tools/zel/generator.hpp"
 #include "tools/zel/hex.hpp"
 #include "tools/zel/json.hpp"
-#include "tools/zel/strong_rand.h"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/prime.h"
 
@@ -115,10 +115,7 @@ void run(Session &session, const PrimeOptions &options) {
   const std::uint64_t count = options.count.value_or(1);
   MINT e{};
   if (options.e) e = number_of(parse_e(*options.e));
-  if (zel_strong_rand_in_force() == 0) {
-    throw Failure(Exit::kEntropy, "rand", "not the kernel's generator in this process",
-                  "unset LD_PRELOAD");
-  }
+  require_strong_rand();
   constexpr mode_t kPrivate = 0600;
   session.open_output(kPrivate);
   session.result()["bits"] = bits;

@@ -48,8 +48,10 @@ std::string bytes_text(double bytes) {
 /// "1.2/1.9 GiB", "1.2 GiB", "3/10 primes".
 std::string amount_text(const Moment &moment) {
   const auto done = static_cast<double>(moment.done);
-  const Scale scale = moment.unit == Unit::kPrimes
-                          ? Scale{1, moment.total.value_or(moment.done) == 1 ? "prime" : "primes"}
+  const bool one = moment.total.value_or(moment.done) == 1;
+  const Scale scale = moment.unit == Unit::kPrimes ? Scale{1, one ? "prime" : "primes"}
+                      : moment.unit == Unit::kKeys
+                          ? Scale{1, one ? "key" : "keys"}
                           : scale_for(static_cast<double>(moment.total.value_or(moment.done)));
   std::string text = number(done / scale.divisor);
   if (moment.total) text += "/" + number(static_cast<double>(*moment.total) / scale.divisor);
@@ -126,7 +128,7 @@ std::string Progress::summary() const {
   const auto done = static_cast<double>(done_.load());
   char time[32];
   std::snprintf(time, sizeof time, " in %.3g s", seconds);
-  if (unit_ == Unit::kPrimes) return amount_text({task_, unit_, done_, {}, 0, 0}) + time;
+  if (unit_ != Unit::kBytes) return amount_text({task_, unit_, done_, {}, 0, 0}) + time;
   return bytes_text(done) + time + ", " + bytes_text(done / seconds) + "/s";
 }
 
@@ -149,7 +151,7 @@ void Progress::show(const char *event) {
   }
   Json line = {{"event", event}, {"task", task_}, {"done", moment.done}};
   line["total"] = total_ ? Json(*total_) : Json(nullptr);
-  line["unit"] = unit_ == Unit::kBytes ? "bytes" : "primes";
+  line["unit"] = unit_ == Unit::kBytes ? "bytes" : unit_ == Unit::kPrimes ? "primes" : "keys";
   line["seconds"] = moment.seconds;
   if (moment.rate > 0) line["rate"] = moment.rate;
   console::line(to_text(line));

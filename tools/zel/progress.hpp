@@ -21,7 +21,7 @@ enum class ProgressMode {
 };
 
 /// What is counted.
-enum class Unit { kBytes, kPrimes };
+enum class Unit { kBytes, kPrimes, kKeys };
 
 /// One moment of a task.
 struct Moment {

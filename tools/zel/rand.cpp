@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "tools/zel/base64.hpp"
 #include "tools/zel/command.hpp"
 #include "tools/zel/generator.hpp"
 #include "tools/zel/hex.hpp"
@@ -50,24 +51,6 @@ Encoding encoding_of(const RandOptions &options) {
   }
   if (options.raw) return Encoding::kRaw;
   return options.base64 ? Encoding::kBase64 : Encoding::kHex;
-}
-
-/// Lines of 64 characters. RFC 4648, section 4.
-std::string to_base64_lines(std::span<const std::uint8_t> bytes) {
-  constexpr const char *kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve(bytes.size() / 48 * 65 + 70);
-  for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    const std::size_t have = std::min<std::size_t>(3, bytes.size() - at);
-    std::uint32_t group = 0;
-    for (std::size_t i = 0; i < 3; ++i)
-      group = group << 8 | (i < have ? bytes[at + i] : 0U);
-    for (std::size_t i = 0; i < 4; ++i)
-      text += i <= have ? kAlphabet[group >> (18 - 6 * i) & 63] : '=';
-    if (at % 48 == 45 || at + 3 >= bytes.size()) text += '\n';
-  }
-  return text;
 }
 
 std::string encode(Encoding encoding, std::span<const std::uint8_t> bytes) {

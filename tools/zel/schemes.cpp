@@ -135,7 +135,8 @@ std::vector<Scheme> hash_schemes() {
   std::vector<Scheme> schemes;
   for (const Hash &hash : hashes()) {
     schemes.push_back({hash.name, hash.tag, hash.aliases, hash.descriptor->digest_len,
-                       hash.approved, [&hash] { return std::make_unique<HashStream>(hash); }});
+                       hash.approved, hash.descriptor,
+                       [&hash] { return std::make_unique<HashStream>(hash); }});
   }
   return schemes;
 }
@@ -149,7 +150,7 @@ std::vector<Scheme> hmac_schemes(std::span<const std::uint8_t> key) {
       aliases.push_back("hmac-" + alias);
     }
     schemes.push_back({std::string("hmac-") + hash.name, std::string("HMAC-") + hash.tag, aliases,
-                       hash.descriptor->digest_len, hash.approved,
+                       hash.descriptor->digest_len, hash.approved, hash.descriptor,
                        [&hash, key] { return std::make_unique<HmacStream>(hash, key); }});
   }
   return schemes;

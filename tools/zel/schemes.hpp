@@ -30,6 +30,7 @@ struct Scheme {
   std::vector<std::string> aliases;  ///< other tags that are read, and other names
   std::size_t digest_len;
   bool approved;
+  const HASH_ALGORITHM *hash;
   std::function<std::unique_ptr<Stream>()> start;
 
   /// Whether a name or a tag means this scheme: case, hyphens and underscores do not matter.

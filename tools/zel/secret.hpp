@@ -23,6 +23,8 @@ class Secret {
   std::span<std::uint8_t> room() noexcept { return std::span(bytes_).subspan(len_); }
   /// Takes in the first `len` bytes of the room.
   void grow(std::size_t len) noexcept { len_ += len; }
+  /// Gives the last `len` bytes back to the room.
+  void shrink(std::size_t len) noexcept { len_ -= len; }
 
  private:
   std::vector<std::uint8_t> bytes_;

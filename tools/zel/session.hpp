@@ -24,6 +24,8 @@ struct SharedFlags {
   bool verbose = false;
   bool json = false;
   bool legacy = false;
+  std::optional<std::uint64_t> passphrase_fd;
+  std::optional<std::string> passphrase_file;
   bool help = false;
 };
 
@@ -41,6 +43,10 @@ class Session {
 
   /// Where data goes: - is standard output.
   std::string output() const { return flags_.output.value_or("-"); }
+  /// Where data goes when -o is not given.
+  void set_default_output(const std::string &path) {
+    if (!flags_.output) flags_.output = path;
+  }
   void set_progress_mode(ProgressMode mode) noexcept { progress_mode_ = mode; }
 
   /// Enters the approved service, or opens the rest with one warning line.
