@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "base/cpu.hpp"
 #include "base/ct.hpp"
@@ -101,6 +102,85 @@ void look_up(Limb *r, const Limb *table, std::size_t rows, std::size_t n,
     for (std::size_t i = 0; i < n; ++i)
       r[i] |= table[i] & mask;
   }
+}
+
+/// The powers of a base that a public exponent asks for: sliding windows, which begin and end with
+/// a one, so that the table holds odd powers alone.
+class SlidingWindows {
+ public:
+  explicit SlidingWindows(const Power &power) noexcept
+      : power_(&power), width_(std::min(window_of(power.bits), 5U)) {}
+
+  std::size_t rows() const noexcept { return std::size_t{1} << (width_ - 1); }
+
+  void fill(Limb *table, Product &t) noexcept {
+    const Modulus &m = *power_->m;
+    Limb step[kMontgomeryLimbs];
+    table_ = table;
+    limbs::copy(table, power_->a, m.n);
+    if (rows() > 1) square(m, step, table, t);
+    for (std::size_t row = 1; row < rows(); ++row)
+      multiply(m, table + row * m.n, table + (row - 1) * m.n, step, t);
+  }
+
+  /// The factor at a bit of the exponent, if any. The bits are asked for from the top.
+  const Limb *factor_at(std::size_t bit) noexcept {
+    const Limb *const e = power_->e;
+    if (pending_ == nullptr) {
+      if (bit >= power_->bits || digit(e, bit, 1) == 0) return nullptr;
+      std::size_t count = std::min(width_, bit + 1);
+      while (digit(e, bit + 1 - count, 1) == 0)
+        --count;
+      low_ = bit + 1 - count;
+      pending_ = table_ + (digit(e, low_, count) >> 1) * power_->m->n;
+    }
+    return bit == low_ ? std::exchange(pending_, nullptr) : nullptr;
+  }
+
+ private:
+  const Power *power_;
+  std::size_t width_;
+  const Limb *table_ = nullptr;
+  const Limb *pending_ = nullptr;  ///< of the window that ends at low_
+  std::size_t low_ = 0;
+};
+
+constexpr std::size_t kMaxFactors = 2;
+
+/// The product of one or two public powers for the same modulus, with the squarings shared.
+bool raise_product(const Power *powers, std::size_t count) noexcept {
+  const Modulus &m = *powers->m;
+  SlidingWindows windows[kMaxFactors] = {SlidingWindows(powers[0]),
+                                         SlidingWindows(powers[count - 1])};
+  const std::size_t rows = windows[0].rows() + (count == 1 ? 0 : windows[1].rows());
+  Scratch<Limb> table(rows * m.n + kLineLimbs);
+  if (!table) return false;
+  Product t;
+  Limb sum[kMontgomeryLimbs];
+  Limb *place = line_aligned(table.data());
+  std::size_t bits = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    windows[i].fill(place, t);
+    place += windows[i].rows() * m.n;
+    bits = std::max(bits, powers[i].bits);
+  }
+
+  bool started = false;
+  for (std::size_t bit = bits; bit-- != 0;) {
+    if (started) square(m, sum, sum, t);
+    for (std::size_t i = 0; i < count; ++i) {
+      const Limb *const factor = windows[i].factor_at(bit);
+      if (factor == nullptr) continue;
+      if (started)
+        multiply(m, sum, sum, factor, t);
+      else
+        limbs::copy(sum, factor, m.n);
+      started = true;
+    }
+  }
+  if (!started) power_of_two(m, sum, 0);
+  limbs::copy(powers->r, sum, m.n);
+  return true;
 }
 
 }  // namespace
@@ -229,45 +309,11 @@ bool raise(const Power &power) noexcept {
   return true;
 }
 
-bool raise_public(const Power &power) noexcept {
-  // Windows that begin and end with a one: the table holds odd powers.
-  const Modulus &m = *power.m;
-  const std::size_t n = m.n;
-  const std::size_t window = std::min(window_of(power.bits), 5U);
-  const std::size_t rows = std::size_t{1} << (window - 1);
-  Scratch<Limb> table(rows * n + kLineLimbs);
-  if (!table) return false;
-  Limb *const powers = line_aligned(table.data());
-  Product t;
-  Limb sum[kMontgomeryLimbs];
-  limbs::copy(powers, power.a, n);
-  if (rows > 1) square(m, sum, powers, t);
-  for (std::size_t row = 1; row < rows; ++row)
-    multiply(m, powers + row * n, powers + (row - 1) * n, sum, t);
+bool raise_public(const Power &power) noexcept { return raise_product(&power, 1); }
 
-  std::size_t at = power.bits;
-  for (bool started = false; at != 0;) {
-    if (digit(power.e, at - 1, 1) == 0) {
-      square(m, sum, sum, t);
-      --at;
-      continue;
-    }
-    std::size_t count = std::min(window, at);
-    while (digit(power.e, at - count, 1) == 0)
-      --count;
-    at -= count;
-    const Limb *const factor = powers + (digit(power.e, at, count) >> 1) * n;
-    if (!started) {
-      limbs::copy(sum, factor, n);
-      started = true;
-      continue;
-    }
-    for (std::size_t i = 0; i < count; ++i)
-      square(m, sum, sum, t);
-    multiply(m, sum, sum, factor, t);
-  }
-  limbs::copy(power.r, sum, n);
-  return true;
+bool raise_product_public(const Power &first, const Power &second) noexcept {
+  const Power both[] = {first, second};
+  return raise_product(both, 2);
 }
 
 bool raise_two(const Power &first, const Power &second) noexcept {

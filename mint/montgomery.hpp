@@ -63,8 +63,12 @@ struct Power {
 /// Raises to a power. False, with r untouched, when there is no memory for the table.
 [[nodiscard]] bool raise(const Power &power) noexcept;
 
-/// The same for a public exponent whose top bit is set; the time shows the exponent.
+/// The same for a public exponent; the time shows it.
 [[nodiscard]] bool raise_public(const Power &power) noexcept;
+
+/// The product of two public powers for the same modulus, which goes to first.r. The squarings are
+/// done once (E. Straus, "Addition chains of vectors", 1964).
+[[nodiscard]] bool raise_product_public(const Power &first, const Power &second) noexcept;
 
 /// Two independent powers, such as the halves of an RSA private operation.
 [[nodiscard]] bool raise_two(const Power &first, const Power &second) noexcept;

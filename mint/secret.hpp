@@ -17,4 +17,15 @@ namespace zel::mint {
 /// makes it public. ZEL_ERR_GENERIC, with r untouched: n is zero or even, or is r or a.
 [[nodiscard]] std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept;
 
+/// r = a * b + c mod n for odd n. n is public, and so are all lengths; the values of a, b and c,
+/// which may be above n, and the result are secret. Not trimmed: r has the significant length of n.
+/// r may be an operand but n.
+///
+/// ZEL_ERR_GENERIC, with r untouched: n is zero or even, or is r.
+[[nodiscard]] std::int32_t multiply_add_secret(MINT &r, const MINT &a, const MINT &b, const MINT &c,
+                                               const MINT &n) noexcept;
+
+/// Whether a < n. All lengths are public and the values secret, but for the answer.
+[[nodiscard]] bool below_secret(const MINT &a, const MINT &n) noexcept;
+
 }  // namespace zel::mint

@@ -19,7 +19,7 @@ RUNTIME = {"string", "vector", "map", "set", "unordered_map", "memory", "functio
            "condition_variable", "filesystem", "new", "typeinfo", "deque", "list", "locale"}
 # Internal headers that a room holds out to the rooms above it.
 HELD_OUT = {"cipher/algorithms.hpp", "hash/algorithms.hpp", "hash/blocks.hpp",
-            "hash/direct.hpp", "hash/lanes.hpp",
+            "hash/direct.hpp", "hash/lanes.hpp", "mint/public_exp.hpp",
             "mint/secret.hpp", "mint/secret_crt.hpp", "mint/secret_exp.hpp"}
 MAX_LINES = 500
 

@@ -1,5 +1,7 @@
 // Montgomery multiplication and exponentiation against GMP, under every set of processor features.
 #include "mint/montgomery.hpp"
+#include "mint/public_exp.hpp"
+#include "mint/secret.hpp"
 #include "mint/secret_exp.hpp"
 #include "support/features.hpp"
 #include "support/mint.hpp"
@@ -157,6 +159,28 @@ TEST_P(Montgomery, TwoPowersAtOnceAreTheTwoPowers) {
     ASSERT_EQ(zel::mint::power_secret_two(powers[0], powers[1]), ZEL_OK);
     for (int k = 0; k < 2; ++k)
       ASSERT_EQ(value_of(r[k]), want[k]);
+  }
+}
+
+// What signatures are made of: a product of two powers, and sums of products.
+TEST_P(Montgomery, ProductsOfPowersAndSumsOfProductsAgreeWithGmp) {
+  using namespace zel::mint;
+  for (int i = 0; i < 200; ++i) {
+    const std::uint32_t most = i % 20 == 0 ? 130 : 12;
+    const MINT N = modulus(most);
+    const MINT a = shapes_.operand(most), b = shapes_.operand(most), c = shapes_.operand(most);
+    const MINT e = shapes_.operand(6), f = shapes_.operand(4);
+    Fenced r;
+    ASSERT_EQ(power_product(*r, a, e, b, f, N), ZEL_OK);
+    const mpz_class want = power(value_of(a), value_of(e), value_of(N)) *
+                           power(value_of(b), value_of(f), value_of(N)) % value_of(N);
+    ASSERT_EQ(value_of(*r), want) << value_of(N) << " " << value_of(e) << " " << value_of(f);
+    ASSERT_TRUE(trimmed(*r) && r.intact());
+    ASSERT_EQ(multiply_add_secret(*r, a, b, c, N), ZEL_OK);
+    ASSERT_EQ(value_of(*r), (value_of(a) * value_of(b) + value_of(c)) % value_of(N));
+    ASSERT_TRUE(r.intact());
+    ASSERT_EQ(below_secret(a, b), value_of(a) < value_of(b));
+    ASSERT_FALSE(below_secret(a, a));
   }
 }
 
