@@ -9,6 +9,7 @@
 #include "zel_cc/bcipher.h"
 #include "zel_cc/bcipher_auth.h"
 #include "zel_cc/ciphers.h"
+#include "zel_cc/dsa.h"
 #include "zel_cc/errors.h"
 #include "zel_cc/hash.h"
 #include "zel_cc/hashdrbg.h"
