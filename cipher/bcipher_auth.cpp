@@ -34,6 +34,7 @@ std::int32_t gcm_decrypt(const bulk::Cipher &cipher, Piece piece, Run nonce, Run
   Wiped<std::uint8_t[modes::kMaxTagLen]> own;
   std::uint8_t received[modes::kMaxTagLen];
   std::memcpy(received, piece.in + piece.len, tag_len);
+  piece = modes::separate(piece);
   modes::gcm(Way::kDecrypt, cipher, piece, nonce, aad, *own);
   modes::copy(piece.out + piece.len, received, tag_len);
   // Deliberate: what was deciphered stays, for the caller to throw away.
@@ -53,10 +54,10 @@ int32_t BCIPHER_EncryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
   if (refusal != ZEL_OK) return refusal;
   const Run message{in, in_len}, data{aad, aad_len}, iv{nonce, nonce_len};
   if (any_null(out, out_len) || modes::any_missing(message, data, iv)) return ZEL_ERR_GENERIC;
-  const Piece piece{out, in, in_len};
-  refusal = check_mode(*context, piece, tag_len);
+  refusal = check_mode(*context, {out, in, in_len}, tag_len);
   if (refusal != ZEL_OK) return refusal;
   if (tag_len > UINT32_MAX - in_len) return ZEL_ERR_GENERIC;
+  const Piece piece = modes::separate({out, in, in_len});
 
   const bulk::Cipher cipher(*key);
   int32_t result = ZEL_OK;
@@ -66,7 +67,7 @@ int32_t BCIPHER_EncryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
     std::memcpy(out + in_len, *tag, tag_len);
   } else {
     result = modes::ccm_encrypt(cipher, piece, iv, data, out + in_len, tag_len);
-    if (result != ZEL_OK) modes::copy(out, in, in_len);
+    if (result != ZEL_OK) modes::copy(out, piece.in, in_len);
   }
   *out_len = in_len + tag_len;
   return result == ZEL_OK ? ZEL_OK : ZEL_ERR_GENERIC;

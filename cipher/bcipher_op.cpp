@@ -37,12 +37,6 @@ std::uint32_t loaded_bytes(const BCIPHER_KEY &key) noexcept {
   return std::min<std::uint32_t>(key.key_len, ZEL_MAX_KEY_LEN);
 }
 
-/// Whether the modes can work with a descriptor: a caller's own may hold anything.
-bool is_sound(const BCIPHER_ALGORITHM &cipher) noexcept {
-  return cipher.DecryptBlock != nullptr &&
-         bulk::fits(cipher.block_len, cipher.EncryptBlock, cipher.DecryptBlock);
-}
-
 /// Whether a call pads or unpads.
 bool ends_padded(const BCIPHER_CONTEXT &context, std::uint8_t final) noexcept {
   return final == kFinal && (context.mode == ZEL_MODE_ECB || context.mode == ZEL_MODE_CBC);
@@ -114,6 +108,11 @@ std::int32_t run(Way way, Piece piece, BCIPHER_CONTEXT &context, const BCIPHER_K
 }
 
 }  // namespace
+
+bool modes::is_sound(const BCIPHER_ALGORITHM &cipher) noexcept {
+  return cipher.DecryptBlock != nullptr &&
+         bulk::fits(cipher.block_len, cipher.EncryptBlock, cipher.DecryptBlock);
+}
 
 std::int32_t modes::check_operation(const BCIPHER_CONTEXT *context,
                                     const BCIPHER_KEY *key) noexcept {
@@ -204,7 +203,7 @@ int32_t BCIPHER_Initialize(BCIPHER_CONTEXT *context, uint8_t mode, const uint8_t
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (mode < ZEL_MODE_ECB || mode > ZEL_MODE_CCM) return ZEL_ERR_MODE;
   if (any_null(context, descriptor)) return ZEL_ERR_GENERIC;
-  if (!is_sound(*descriptor)) return ZEL_ERR_GENERIC;
+  if (!modes::is_sound(*descriptor)) return ZEL_ERR_GENERIC;
   context->mode = mode;
   context->descriptor = descriptor;
   if (iv != nullptr) {

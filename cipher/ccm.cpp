@@ -217,8 +217,8 @@ int32_t BCIPHER_EncryptCCM(uint8_t *data, uint32_t len, uint32_t tag_len, const 
                            const void *round_keys, uint32_t block_len,
                            BCIPHER_BLOCK_FN encrypt_block) {
   const modes::Run runs[] = {{nonce, nonce_len}, {aad, aad_len}};
-  if (block_len != modes::kBlockLen || any_null(data, round_keys, encrypt_block) ||
-      modes::any_missing(runs[0], runs[1]))
+  if (block_len != modes::kBlockLen || !bulk::fits(block_len, encrypt_block, nullptr) ||
+      any_null(data, round_keys) || modes::any_missing(runs[0], runs[1]))
     return ZEL_ERR_GENERIC;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);
   return modes::ccm_encrypt(cipher, {data, data, len}, runs[0], runs[1], data + len, tag_len);
@@ -229,8 +229,8 @@ int32_t BCIPHER_DecryptCCM(uint8_t *data, uint32_t len, uint32_t tag_len, const 
                            const void *round_keys, uint32_t block_len,
                            BCIPHER_BLOCK_FN encrypt_block) {
   const modes::Run runs[] = {{nonce, nonce_len}, {aad, aad_len}};
-  if (block_len != modes::kBlockLen || any_null(data, round_keys, encrypt_block) ||
-      modes::any_missing(runs[0], runs[1]))
+  if (block_len != modes::kBlockLen || !bulk::fits(block_len, encrypt_block, nullptr) ||
+      any_null(data, round_keys) || modes::any_missing(runs[0], runs[1]))
     return ZEL_ERR_GENERIC;
   if (len <= tag_len) return ZEL_ERR_TAG;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);

@@ -43,7 +43,7 @@ using namespace zel;
 int32_t CMAC_Initialize(CMAC_CONTEXT *context, const uint8_t *key, uint32_t key_len,
                         const BCIPHER_ALGORITHM *descriptor) {
   if (any_null(context, key, descriptor)) return ZEL_ERR_GENERIC;
-  if (!bulk::is_block_len(descriptor->block_len)) return ZEL_ERR_GENERIC;
+  if (!modes::is_sound(*descriptor)) return ZEL_ERR_GENERIC;
   Scratch<uint8_t> round_keys(descriptor->round_keys_len);
   if (!round_keys) return ZEL_ERR_GENERIC;
   BCIPHER_KEY *object = nullptr;

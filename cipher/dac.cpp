@@ -11,7 +11,7 @@ int32_t DAC_Initialize(DAC_CONTEXT *context, const uint8_t *key, uint32_t key_le
   if (gate::approved_only()) return ZEL_STATE_VERIFIED;
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(context, key, descriptor)) return ZEL_ERR_GENERIC;
-  if (!bulk::is_block_len(descriptor->block_len)) return ZEL_ERR_GENERIC;
+  if (!modes::is_sound(*descriptor)) return ZEL_ERR_GENERIC;
   BCIPHER_KEY *const object = mac::new_key(key, key_len, descriptor);
   if (object == nullptr) return ZEL_ERR_GENERIC;
   *context = {};

@@ -113,8 +113,8 @@ namespace {
 std::int32_t gmac(modes::Way way, std::uint8_t *data, std::uint32_t len, std::uint8_t *tag,
                   modes::Run aad, const void *round_keys, modes::Run iv, std::uint32_t block_len,
                   BCIPHER_BLOCK_FN encrypt_block) noexcept {
-  if (block_len != ghash::kBlockLen || any_null(tag, round_keys, encrypt_block))
-    return ZEL_ERR_GENERIC;
+  if (block_len != ghash::kBlockLen || any_null(tag, round_keys)) return ZEL_ERR_GENERIC;
+  if (!bulk::fits(block_len, encrypt_block, nullptr)) return ZEL_ERR_GENERIC;
   if (modes::any_missing(modes::Run{data, len}, aad, iv)) return ZEL_ERR_GENERIC;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);
   modes::gcm(way, cipher, {data, data, len}, iv, aad, tag);
@@ -196,12 +196,13 @@ int32_t GMAC_Mult(uint8_t *z, const uint8_t *x, const uint8_t *y, uint32_t block
 int32_t GMAC_GCTR(uint8_t *out, uint8_t *counter, const uint8_t *in, uint32_t len,
                   uint32_t block_len, const void *round_keys, BCIPHER_BLOCK_FN encrypt_block) {
   if (len == 0) return ZEL_OK;
-  if (!bulk::is_block_len(block_len) || block_len < modes::kCounterLen) return ZEL_ERR_GENERIC;
-  if (any_null(out, counter, in, round_keys, encrypt_block)) return ZEL_ERR_GENERIC;
+  if (!bulk::fits(block_len, encrypt_block, nullptr) || block_len < modes::kCounterLen)
+    return ZEL_ERR_GENERIC;
+  if (any_null(out, counter, in, round_keys)) return ZEL_ERR_GENERIC;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);
   const std::size_t but_last = (len - 1) / block_len * block_len;
-  modes::Piece piece{out, in, len};
-  modes::ctr_field(cipher, {out, in, but_last}, counter, modes::kCounterLen);
+  modes::Piece piece = modes::separate({out, in, len});
+  modes::ctr_field(cipher, {out, piece.in, but_last}, counter, modes::kCounterLen);
   piece.skip(but_last);
   // The counter is left at the last block, not behind it.
   Wiped<uint8_t[ZEL_MAX_BLOCK_LEN]> stream;

@@ -51,6 +51,9 @@ void ctr(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter) noexcep
 void ctr_field(const bulk::Cipher &cipher, Piece piece, std::uint8_t *counter,
                std::size_t field_len) noexcept;
 
+/// Whether the modes can work with a descriptor: a caller's own may hold anything.
+bool is_sound(const BCIPHER_ALGORITHM &cipher) noexcept;
+
 /// The checks that every operation with a context and a key begins with, in their order: state,
 /// null objects, one descriptor for both, approved cipher in the verified service; then whether
 /// the records hold what the modes can work with.

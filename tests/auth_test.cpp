@@ -326,6 +326,57 @@ TEST(Failure, RefusalsInTheirOrder) {
   EXPECT_EQ(len, kUnset);
 }
 
+// Where input and output overlap without being the same, the input is copied first.
+TEST(Overlap, MovesTheMessageFirst) {
+  const Bytes text = noise(300);
+  for (const int mode : {ZEL_MODE_GCM, ZEL_MODE_CCM}) {
+    const Setting s{&aria, mode, noise(16), noise(12), noise(20), 16};
+    const Bytes sealed = call(false, s, text).result();
+    const Key key = load_key(aria, s.key);
+    const BCIPHER_CONTEXT context = start(static_cast<std::uint8_t>(mode), aria, {});
+    for (const std::ptrdiff_t shift : {-299, -20, -1, 1, 16, 299}) {
+      for (const bool decrypt : {false, true}) {
+        Bytes room(1100);
+        const auto in = room.begin() + 400;
+        std::uint32_t len = 0;
+        std::copy(decrypt ? sealed.begin() : text.begin(), decrypt ? sealed.end() : text.end(), in);
+        const auto function = decrypt ? BCIPHER_DecryptAuth : BCIPHER_EncryptAuth;
+        EXPECT_EQ(function(&*in + shift, &len, &*in, decrypt ? 316 : 300, s.aad.data(), 20,
+                           s.nonce.data(), 12, &context, key.get(), 16),
+                  ZEL_OK);
+        EXPECT_EQ(Bytes(in + shift, in + shift + len), decrypt ? text : sealed) << shift;
+      }
+    }
+  }
+}
+
+// A block function of the library takes its own block length alone; a stranger's that has longer
+// blocks than its caller says leaves what stands behind the message as it was.
+TEST(Failure, BlockLengthsAreThoseOfTheBlockFunctions) {
+  const Key small = load_key(des, noise(8)), key = load_key(rijndael, noise(16));
+  const Bytes before = noise(96);
+  Bytes data = before;
+  std::uint8_t counter[16] = {1}, tag[16] = {2};
+  const auto sixteen = [](void *block, const void *) {
+    std::fill_n(static_cast<char *>(block), 16, 7);
+  };
+  const void *const keys = small->round_keys;
+  EXPECT_EQ(GMAC_Encrypt(data.data(), 64, tag, nullptr, 0, keys, counter, 12, 16, DES_EncryptBlock),
+            ZEL_ERR_GENERIC);
+  EXPECT_EQ(GMAC_Decrypt(data.data(), 64, tag, nullptr, 0, keys, counter, 12, 16, DES_DecryptBlock),
+            ZEL_ERR_GENERIC);
+  for (const auto function : {BCIPHER_EncryptCCM, BCIPHER_DecryptCCM})
+    EXPECT_EQ(function(data.data(), 64, 16, counter, 12, nullptr, 0, keys, 16, DES_EncryptBlock),
+              ZEL_ERR_GENERIC);
+  EXPECT_EQ(
+      GMAC_GCTR(data.data(), counter, data.data(), 64, 8, key->round_keys, RIJNDAEL_EncryptBlock),
+      ZEL_ERR_GENERIC);
+  EXPECT_EQ(data, before);
+  EXPECT_EQ(counter[0], 1);
+  EXPECT_EQ(GMAC_GCTR(data.data(), counter, data.data(), 64, 5, keys, sixteen), ZEL_OK);
+  EXPECT_EQ(Bytes(data.begin() + 64, data.end()), Bytes(before.begin() + 64, before.end()));
+}
+
 TEST(Failure, MemoryIsShort) {
   const Setting s{&aria, ZEL_MODE_CCM, noise(16), noise(12), {}, 16};
   const Bytes sealed = call(false, s, noise(1000)).result();

@@ -19,8 +19,8 @@ ZEL_BEGIN_DECLS
  * CCM with a nonce of 12 or 13 bytes has a length field of 3 or 2 bytes, which is not checked: keep
  * messages below 2^24 or 2^16 bytes there.
  *
- * @param[out]    out        [in_len + tag_len] bytes: ciphertext, then the tag; may equal `in` but
- *                           not overlap it otherwise
+ * @param[out]    out        [in_len + tag_len] bytes: ciphertext, then the tag; may equal `in`.
+ * Where the two overlap otherwise, `in` is first moved to `out`
  * @param[out]    out_len    in_len + tag_len
  * @param[in]     in         [in_len] bytes
  * @param[in]     in_len     bytes
@@ -55,8 +55,8 @@ ZEL_API int32_t BCIPHER_EncryptAuth(uint8_t *out, uint32_t *out_len, const uint8
  * leaves the ciphertext there, and never accepts a message without payload. Tags are compared in
  * constant time.
  *
- * @param[out]    out        [in_len] bytes: the message, then the tag as it came; may equal `in`
- * but not overlap it otherwise
+ * @param[out]    out        [in_len] bytes: the message, then the tag as it came; may equal or
+ *                           overlap `in`, as above
  * @param[out]    out_len    in_len - tag_len
  * @param[in]     in         [in_len] bytes: ciphertext, then the tag
  * @param[in]     in_len     bytes
@@ -245,12 +245,12 @@ ZEL_API int32_t GMAC_Mult(uint8_t *z, const uint8_t *x, const uint8_t *y, uint32
 /**
  * Counter mode in which only the last four bytes of the block count. Does nothing for zero bytes.
  *
- * @param[out]    out            [len] bytes; may equal `in` but not overlap it otherwise
+ * @param[out]    out            [len] bytes; may equal or overlap `in`
  * @param[in,out] counter        [block_len] bytes: the first counter block, afterwards the last one
  *                               that was used
  * @param[in]     in             [len] bytes
  * @param[in]     len            bytes
- * @param[in]     block_len      4 to 16
+ * @param[in]     block_len      4 to 16; for a block function of this library its own
  * @param[in]     round_keys     schedule for `encrypt_block`
  * @param[in]     encrypt_block  enciphers one block
  * @retval ZEL_OK          done
