@@ -6,6 +6,15 @@ set(zel_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS zel_cc_shared zel_cc_static EXPORT zel_cc
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# The digest of the installed file, which may have been stripped.
+cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${CMAKE_INSTALL_PREFIX}"
+           OUTPUT_VARIABLE zel_installed_libdir)
+install(CODE "
+  set(zel_library \"${zel_installed_libdir}/$<TARGET_FILE_NAME:zel_cc_shared>\")
+  message(STATUS \"Installing: \$ENV{DESTDIR}\${zel_library}.hmac\")
+  execute_process(COMMAND \"$<TARGET_FILE:zel_stamp>\" \"\$ENV{DESTDIR}\${zel_library}\"
+                  COMMAND_ERROR_IS_FATAL ANY)
+  list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${zel_library}.hmac\")")
 install(FILES include/zel_cc.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/zel_cc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 

@@ -16,6 +16,7 @@
 #include "zel_cc/hmac.h"
 #include "zel_cc/hmacdrbg.h"
 #include "zel_cc/legacy_rng.h"
+#include "zel_cc/integrity.h"
 #include "zel_cc/known_answer.h"
 #include "zel_cc/keyshare.h"
 #include "zel_cc/mac.h"

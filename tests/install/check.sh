@@ -24,13 +24,18 @@ runs() {
 
 rm -rf "$work"
 mkdir -p "$work"
-"$cmake" --install "$build" --prefix "$work/first" >"$work/install.log" || { cat "$work/install.log"; exit 1; }
+# Stripped, as packages do: the library's companion must be that of the file that was installed.
+"$cmake" --install "$build" --strip --prefix "$work/first" >"$work/install.log" || { cat "$work/install.log"; exit 1; }
 mv "$work/first" "$work/prefix"
 prefix=$work/prefix
 libdir=$(dirname "$(find "$prefix" -name libzel_cc-3.2.so)")
 for file in "$libdir/libzel_cc-3.2.so" "$libdir/libzel_cc-3.2.a" "$prefix/include/zel_cc.h"; do
   [ -f "$file" ] && [ ! -L "$file" ] || fail "not installed as a plain file: $file"
 done
+readelf -S "$libdir/libzel_cc-3.2.so" | grep -q symtab && fail "not stripped"
+if [ -x "$prefix/bin/zel" ]; then
+  [ "$("$prefix/bin/zel" integrity)" = "$libdir/libzel_cc-3.2.so: OK" ] || fail "the installed library does not verify"
+fi
 [ -z "$(find "$prefix" -type l)" ] || fail "the prefix holds symbolic links"
 
 for language in C CXX; do

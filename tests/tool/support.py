@@ -10,7 +10,7 @@ ZEL = os.environ["ZEL"]
 ALGORITHMS = ["sha224", "sha256", "sha384", "sha512", "sha1", "has160", "ripemd160", "md5", "md2"]
 APPROVED = ALGORITHMS[:4]
 
-DONE, MISMATCH, USAGE, FILE, STATE, MALFORMED = 0, 1, 2, 3, 4, 6
+DONE, MISMATCH, USAGE, FILE, STATE, SELF_TEST, MALFORMED = 0, 1, 2, 3, 4, 5, 6
 
 
 def available(program):

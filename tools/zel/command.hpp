@@ -39,6 +39,12 @@ struct Example {
   std::string line;  ///< works when pasted
 };
 
+/// What a command needs of the module.
+enum class Service {
+  kApproved,   ///< the verified service; with --legacy everything
+  kAsStarted,  ///< the module as it is at the start of the process
+};
+
 struct Command {
   std::string name;
   std::string summary;      ///< one line, no full stop
@@ -48,6 +54,7 @@ struct Command {
   std::vector<Option> options{};
   std::function<void(Session &)> run{};
   bool hidden = false;
+  Service service = Service::kApproved;
 };
 
 /// The options of every command.
@@ -62,6 +69,7 @@ Command hash_command();
 Command mac_command();
 Command rand_command();
 Command prime_command();
+Command integrity_command();
 Command info_command();
 /// These two describe the other commands.
 Command completion_command(const Commands &commands);

@@ -1,12 +1,10 @@
 // zel info: the library that is in use, the processor, the module state, the algorithms.
-#include <dlfcn.h>
-
 #include <array>
-#include <cstring>
 
 #include "base/cpu.hpp"
 #include "tools/zel/command.hpp"
 #include "tools/zel/json.hpp"
+#include "tools/zel/module_file.hpp"
 #include "tools/zel/schemes.hpp"
 #include "tools/zel/strong_rand.h"
 #include "zel_cc/state.h"
@@ -44,19 +42,6 @@ const char *state_name(int state) {
     default:
       return "not operational";
   }
-}
-
-/// The file that the library was loaded from.
-std::string library_path() {
-  Dl_info where{};
-  int32_t (*function)() = KZEL_CC_GetState;
-  void *address = nullptr;
-  std::memcpy(&address, &function, sizeof address);
-  if (::dladdr(address, &where) == 0 || where.dli_fname == nullptr) return "";
-  char *real = ::realpath(where.dli_fname, nullptr);
-  std::string path = real == nullptr ? where.dli_fname : real;
-  std::free(real);
-  return path;
 }
 
 std::vector<Scheme> all_schemes() {

@@ -8,6 +8,7 @@ int main(int argc, char **argv) {
   commands.push_back(mac_command());
   commands.push_back(rand_command());
   commands.push_back(prime_command());
+  commands.push_back(integrity_command());
   commands.push_back(info_command());
   commands.push_back(completion_command(commands));
   commands.push_back(manual_command(commands));

@@ -54,7 +54,7 @@ int run_command(const Command &command, const SharedFlags &flags) {
   Session session(command.name, flags);
   try {
     session.set_progress_mode(progress_mode(flags));
-    session.choose_service();
+    if (command.service == Service::kApproved) session.choose_service();
     command.run(session);
     session.close();
   } catch (const Failure &failure) {
