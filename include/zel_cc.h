@@ -8,6 +8,7 @@
 #include "zel_cc/base.h"
 #include "zel_cc/bcipher.h"
 #include "zel_cc/bcipher_auth.h"
+#include "zel_cc/bcipher_file.h"
 #include "zel_cc/ciphers.h"
 #include "zel_cc/dsa.h"
 #include "zel_cc/errors.h"

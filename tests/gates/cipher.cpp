@@ -59,6 +59,27 @@ std::int64_t releases(Arena &arena) {
   return released ? 1 : 0;
 }
 
+std::int64_t on_streams(Arena &a, decltype(&BCIPHER_EncryptFile) call, BCIPHER_CONTEXT &context, BCIPHER_KEY *key) {
+  std::FILE *const in = fmemopen(a.in, sizeof a.in, "rb"), *const out = std::fopen("/dev/null", "wb");
+  const std::int64_t code = call(out, &a.out_len, in, 16, &context, key, 0);
+  std::fclose(in);
+  std::fclose(out);
+  return code;
+}
+std::int64_t on_streams_by_16(Arena &a, decltype(&BCIPHER_EncryptFile_BSize) call) {
+  std::FILE *const in = fmemopen(a.in, sizeof a.in, "rb"), *const out = std::fopen("/dev/null", "wb");
+  const std::int64_t code = call(out, &a.out_len, in, 32, &a.aria_context, a.aria_key, 0, 16);
+  std::fclose(in);
+  std::fclose(out);
+  return code;
+}
+std::int64_t on_paths(Arena &a, decltype(&BCIPHER_EncryptFilePath) call) {
+  return call("/dev/null", &a.out_len, "/dev/null", 0, &a.aria_context, a.aria_key, 0);
+}
+std::int64_t on_paths_from(Arena &a, decltype(&BCIPHER_EncryptFilePath_Offset) call) {
+  return call("/dev/null", &a.out_len, "/dev/null", 0, 0, &a.aria_context, a.aria_key, 0);
+}
+
 /// Without a gate but for the verified service, where nothing is computed.
 const Answers kInApproved = not_approved(ungated(), 0);
 
@@ -107,6 +128,17 @@ const Rows<Arena> kRows{
     {"DAC_Initialize", not_approved(code(), ZEL_STATE_VERIFIED), [](Arena &a) { return DAC_Initialize(&a.dac, a.chain, 16, &aria); }},
     {"DAC_Update", kInApproved, [](Arena &a) { DAC_Update(&a.dac, a.in, 5); }},
     {"DAC_Finalize", kInApproved, [](Arena &a) { DAC_Finalize(a.out, 16, &a.dac); }},
+    {"BCIPHER_EncryptFile", code(), [](Arena &a) { return on_streams(a, BCIPHER_EncryptFile, a.aria_context, a.aria_key); }},
+    {"BCIPHER_DecryptFile", code(), [](Arena &a) { return on_streams(a, BCIPHER_DecryptFile, a.aria_context, a.aria_key); }},
+    {"BCIPHER_DecryptFile_S", code(), [](Arena &a) { return on_streams(a, BCIPHER_DecryptFile_S, a.aria_context, a.aria_key); }},
+    // The cipher layer refuses what is not approved, once the file has been read.
+    {"BCIPHER_EncryptFile", gives({-9001, -9001, -9001, 0, 0, 0, -9002, -9001}), [](Arena &a) { return on_streams(a, BCIPHER_EncryptFile, a.aes_context, a.aes_key); }},
+    {"BCIPHER_EncryptFile_BSize", code(), [](Arena &a) { return on_streams_by_16(a, BCIPHER_EncryptFile_BSize); }},
+    {"BCIPHER_DecryptFile_BSize", code(), [](Arena &a) { return on_streams_by_16(a, BCIPHER_DecryptFile_BSize); }},
+    {"BCIPHER_EncryptFilePath", code(), [](Arena &a) { return on_paths(a, BCIPHER_EncryptFilePath); }},
+    {"BCIPHER_DecryptFilePath", code(), [](Arena &a) { return on_paths(a, BCIPHER_DecryptFilePath); }},
+    {"BCIPHER_EncryptFilePath_Offset", code(), [](Arena &a) { return on_paths_from(a, BCIPHER_EncryptFilePath_Offset); }},
+    {"BCIPHER_DecryptFilePath_Offset", code(), [](Arena &a) { return on_paths_from(a, BCIPHER_DecryptFilePath_Offset); }},
     {"AddPadding", ungated(), [](Arena &a) { return AddPadding(a.out, a.in, 32, 16); }},
     {"RemovePadding", ungated(), [](Arena &a) { return RemovePadding(a.out, a.in, 32); }},
     {"RC4_init", kInApproved, [](Arena &a) { RC4_init(&a.rc4, a.in + 1, 128); }},
