@@ -33,6 +33,39 @@ class Mac(MacTest):
                 for line, file in zip(ours.stdout.decode().splitlines(), ("f", "long")):
                     self.assertEqual(line, f"{self.openssl(name, key, file)}  {file}")
 
+    def test_codes_over_block_ciphers_agree_with_openssl(self):
+        generator = random.Random(7)
+        compared = 0
+        for name, size in (("aria-128", 16), ("aria-192", 24), ("aria-256", 32), ("aes-128", 16),
+                           ("aes-256", 32)):
+            key, nonce = generator.randbytes(size), generator.randbytes(12)
+            self.write("k", key)
+            for length in (0, 1, 15, 16, 17, 65535, 65536, 65553, 300001):
+                self.write("data", generator.randbytes(length))
+                for kind, mode, more, option in (("cmac", "CBC", [], []),
+                                                 ("gmac", "GCM", ["--nonce", nonce.hex()],
+                                                  ["-macopt", f"hexiv:{nonce.hex()}"])):
+                    theirs = self.other("openssl", "mac", "-cipher", f"{name.upper()}-{mode}",
+                                        "-macopt", f"hexkey:{key.hex()}", *option, "-in", "data",
+                                        kind.upper()).strip().lower()
+                    ours = self.zel("mac", "--legacy", "-a", f"{kind}-{name}", "--key-file", "k",
+                                    *more, "data").stdout.decode()
+                    self.assertEqual(ours, f"{theirs}  data\n")
+                    compared += 1
+        self.assertEqual(compared, 90)
+        seed = ["mac", "-a", "cmac-seed", "--key-hex-file", "hex", "f"]
+        self.write("hex", b"00" * 16)
+        self.assertEqual(len(self.zel(*seed).stdout.split()[0]), 32)
+        code = self.zel(*seed).stdout.decode().split()[0]
+        self.assertEqual(self.zel(*seed, "--verify", code).stdout, b"f: OK\n")
+        self.write("list", self.zel(*seed[:-1], "--tag", "f").stdout)
+        self.zel("mac", "--key-hex-file", "hex", "-c", "list")
+        for arguments, exit in ((["-a", "cmac-aria-256", "f"], MALFORMED), (["-a", "gmac-seed", "f"], USAGE),
+                                (["-a", "gmac-seed", "--nonce", "00", "f"], MALFORMED),
+                                (["-a", "gmac-seed", "--nonce", "00" * 12, "f", "f"], USAGE),
+                                (["-a", "cmac-aes-128", "f"], STATE), (["-a", "cmac-rc4", "f"], USAGE)):
+            self.zel("mac", "--key-hex-file", "hex", *arguments, exit=exit)
+
     def test_every_way_to_give_the_key(self):
         expected = self.zel("mac", "--key-file", "key", "f").stdout
         digits = KEY.hex().upper()

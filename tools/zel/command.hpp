@@ -67,11 +67,11 @@ using Commands = std::vector<Command>;
 
 Command hash_command();
 Command mac_command();
+Command encrypt_command();
+Command decrypt_command();
+Command raw_command();
 Command rand_command();
 Command prime_command();
-Command split_command();
-Command combine_command();
-Command reissue_command();
 Command integrity_command();
 Command info_command();
 /// These two describe the other commands.

@@ -124,8 +124,7 @@ std::string read_whole(Input &input, const std::string &path, std::size_t limit)
     content.resize(len + got);
     if (content.size() > limit) {
       throw Failure(Exit::kMalformed, path,
-                    "longer than " + std::to_string(limit) + " bytes, which cannot be meant",
-                    "name the right file");
+                    "longer than " + std::to_string(limit) + " bytes, which cannot be meant");
     }
     if (got == 0) return content;
   }

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "base/cpu.hpp"
+#include "tools/zel/ciphers.hpp"
 #include "tools/zel/command.hpp"
 #include "tools/zel/json.hpp"
 #include "tools/zel/module_file.hpp"
@@ -60,6 +61,8 @@ std::string row(const std::string &name, const std::string &value) {
   return padded(name, 16) + value + "\n";
 }
 
+std::string standing(bool approved) { return approved ? "approved" : "not approved: --legacy"; }
+
 std::string table(int state) {
   std::string text =
       row("version", ZEL_CC_VERSION) + row("library", library_path()) +
@@ -75,7 +78,12 @@ std::string table(int state) {
   for (const Scheme &scheme : all_schemes()) {
     text += "  " + padded(scheme.name, 14) + " " +
             padded(std::to_string(8 * scheme.digest_len), 4) + "bits  " +
-            (scheme.approved ? "approved" : "not approved: --legacy") + "\n";
+            standing(scheme.approved) + "\n";
+  }
+  for (const Cipher &cipher : all_ciphers()) {
+    text += "  " + padded(std::string(cipher.name), 14) + " " +
+            padded(std::to_string(8 * cipher.max_key), 4) + "bits  " + standing(cipher.approved) +
+            "\n";
   }
   return text;
 }
@@ -90,6 +98,12 @@ void fill(Json &object, int state) {
   for (const Scheme &scheme : all_schemes()) {
     object["algorithms"].push_back(
         {{"name", scheme.name}, {"bits", 8 * scheme.digest_len}, {"approved", scheme.approved}});
+  }
+  for (const Cipher &cipher : all_ciphers()) {
+    object["ciphers"].push_back({{"name", std::string(cipher.name)},
+                                 {"key_bits", 8 * cipher.max_key},
+                                 {"approved", cipher.approved},
+                                 {"standard", std::string(cipher.standard)}});
   }
 }
 

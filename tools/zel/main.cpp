@@ -6,11 +6,11 @@ int main(int argc, char **argv) {
   Commands commands;
   commands.push_back(hash_command());
   commands.push_back(mac_command());
+  commands.push_back(encrypt_command());
+  commands.push_back(decrypt_command());
+  commands.push_back(raw_command());
   commands.push_back(rand_command());
   commands.push_back(prime_command());
-  commands.push_back(split_command());
-  commands.push_back(combine_command());
-  commands.push_back(reissue_command());
   commands.push_back(integrity_command());
   commands.push_back(info_command());
   commands.push_back(completion_command(commands));

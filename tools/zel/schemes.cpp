@@ -67,17 +67,6 @@ Bytes standard_digest(const HASH_CONTEXT &given) {
   return digest;
 }
 
-/// The library counts one update in 32 bits.
-template <class Update>
-void in_pieces(std::span<const std::uint8_t> bytes, Update update) {
-  constexpr std::size_t kMost = std::size_t{1} << 30;
-  while (!bytes.empty()) {
-    const auto piece = bytes.first(std::min(bytes.size(), kMost));
-    update(piece.data(), static_cast<std::uint32_t>(piece.size()));
-    bytes = bytes.subspan(piece.size());
-  }
-}
-
 class HashStream : public Stream {
  public:
   explicit HashStream(const Hash &hash) {

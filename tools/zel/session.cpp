@@ -68,6 +68,20 @@ Output &Session::open_output(mode_t mode) {
   return *output_;
 }
 
+Output &Session::open_data(const std::string &path, bool readable, mode_t mode) {
+  output_ = std::make_unique<Output>(flags_.output.value_or(path), flags_.force, mode);
+  if (!output_->is_standard_output()) return *output_;
+  if (flags_.json) {
+    throw Failure(Exit::kUsage, "--json", "the data would mix with the object",
+                  "write the data to a file with -o");
+  }
+  if (!readable && output_->is_terminal()) {
+    throw Failure(Exit::kUsage, "standard output", "a terminal, where such bytes do harm",
+                  "write them to a file with -o, or into a pipe");
+  }
+  return *output_;
+}
+
 void Session::print(std::string_view text) {
   if (!output_) open_output();
   if (output_->is_standard_output() && flags_.json) return;

@@ -65,6 +65,9 @@ class Session {
 
   /// Opens the output that -o names. Text on standard output gives way to the JSON object.
   Output &open_output(mode_t mode = 0666);
+  /// The output for data, at `path` when no -o is given. Bytes do not mix with the object of
+  /// --json, and only what people may read goes to a terminal.
+  Output &open_data(const std::string &path, bool readable, mode_t mode = 0666);
   /// Text for the output; shown at once when it is standard output.
   void print(std::string_view text);
   /// Gives up the output: a run that was broken off leaves no file, whatever it had found out.
