@@ -43,10 +43,14 @@ std::uint32_t divide_by_word(std::uint32_t *q, const std::uint32_t *a, std::uint
 /// The body of both core functions; q is null for the remainder alone.
 std::int32_t divide_core(std::uint32_t *q_len, std::uint32_t *q, std::uint32_t *a_len,
                          std::uint32_t *a, std::uint32_t b_len, const std::uint32_t *b) noexcept {
-  if (any_null(a_len, a, b) || *a_len > kDivisionWords || b_len > kDivisionWords)
+  if (any_null(a_len, a, b)) return ZEL_ERR_GENERIC;
+  const bool too_long = *a_len > kDivisionWords || b_len > kDivisionWords;
+  b_len = too_long ? 0 : mint::significant(b, b_len);
+  if (b_len == 0) {
+    *a_len = 0;
+    if (q_len != nullptr) *q_len = 0;
     return ZEL_ERR_GENERIC;
-  b_len = mint::significant(b, b_len);
-  if (b_len == 0) return ZEL_ERR_GENERIC;
+  }
   const bool shorter = *a_len < b_len;
   std::uint32_t count = shorter ? 0 : *a_len - b_len + 1;
   const std::uint32_t dividend_len = mint::significant(a, *a_len);
@@ -67,7 +71,10 @@ extern "C" {
 int32_t MINT_Div(MINT *q, MINT *rem, const MINT *a, const MINT *b) {
   if (any_null(q, rem, a, b) || q == rem || q == b || rem == b) return ZEL_ERR_GENERIC;
   const std::uint32_t b_len = mint::significant(*b);
-  if (b_len == 0) return ZEL_ERR_GENERIC;
+  if (b_len == 0) {
+    rem->length = 0;
+    return mint::refuse(*q);
+  }
   const std::int32_t order = MINT_Compare(a, b);
   if (order < 0) {
     const bool zero = mint::significant(*a) == 0;
@@ -92,7 +99,11 @@ int32_t MINT_Div(MINT *q, MINT *rem, const MINT *a, const MINT *b) {
 }
 
 int32_t MINT_DivInteger(MINT *q, uint32_t *rem, const MINT *a, uint32_t d) {
-  if (any_null(q, rem, a) || d == 0) return ZEL_ERR_GENERIC;
+  if (any_null(q, rem, a)) return ZEL_ERR_GENERIC;
+  if (d == 0) {
+    *rem = 0;
+    return mint::refuse(*q);
+  }
   const std::uint32_t len = mint::used(*a);
   *rem = divide_by_word(q->words, a->words, len, d);
   q->length = len;
@@ -100,7 +111,11 @@ int32_t MINT_DivInteger(MINT *q, uint32_t *rem, const MINT *a, uint32_t d) {
 }
 
 int32_t MINT_ModInteger(uint32_t *rem, const MINT *a, uint32_t d) {
-  if (any_null(rem, a) || d == 0) return ZEL_ERR_GENERIC;
+  if (any_null(rem, a)) return ZEL_ERR_GENERIC;
+  if (d == 0) {
+    *rem = 0;
+    return ZEL_ERR_GENERIC;
+  }
   *rem = divide_by_word(nullptr, a->words, mint::used(*a), d);
   return ZEL_OK;
 }
@@ -108,11 +123,10 @@ int32_t MINT_ModInteger(uint32_t *rem, const MINT *a, uint32_t d) {
 int32_t MINT_ModClassic(MINT *a, const MINT *m) {
   if (any_null(a, m) || a == m) return ZEL_ERR_GENERIC;
   const std::uint32_t m_len = mint::significant(*m);
-  if (m_len == 0) return ZEL_ERR_GENERIC;
+  if (m_len == 0) return mint::refuse(*a);
   const std::int32_t order = MINT_Compare(a, m);
-  if (order < 0) return ZEL_OK;
   if (order > 0) divide_words(nullptr, 0, a->words, mint::significant(*a), m->words, m_len);
-  a->length = order == 0 ? 0 : m_len;
+  if (order >= 0) a->length = order == 0 ? 0 : m_len;
   mint::trim(*a);
   return ZEL_OK;
 }

@@ -41,10 +41,7 @@ class OddPower {
   Power power() noexcept { return {&*modulus_, *x_, *x_, e_.data(), bits_}; }
 
   std::int32_t finish(MINT &r, bool raised) noexcept {
-    if (!raised) {
-      set_word(r, 0);
-      return ZEL_ERR_GENERIC;
-    }
+    if (!raised) return refuse(r);
     leave(*modulus_, *x_, *x_);
     set_limbs(r, *x_, modulus_->n);
     return ZEL_OK;
@@ -73,10 +70,7 @@ std::int32_t power_odd_public(MINT &r, const MINT &a, const MINT &e, const MINT 
   const Narrow base(a);
   enter_public(modulus, x, base.data(), base.size());
   const Narrow exponent(e);
-  if (!raise_public({&modulus, x, x, exponent.data(), bits})) {
-    set_word(r, 0);
-    return ZEL_ERR_GENERIC;
-  }
+  if (!raise_public({&modulus, x, x, exponent.data(), bits})) return refuse(r);
   leave(modulus, x, x);
   set_limbs(r, x, modulus.n);
   return ZEL_OK;
@@ -116,15 +110,10 @@ std::size_t bits_of(const SecretPower &power) noexcept {
   return std::min<std::uint32_t>(power.bits, ZEL_MINT_BITS);
 }
 
-bool is_odd(const MINT &a) noexcept { return used(a) != 0 && a.words[0] % 2 != 0; }
-
 }  // namespace
 
 std::int32_t power_secret(const SecretPower &power) noexcept {
-  if (!is_odd(*power.N)) {
-    set_word(*power.r, 0);
-    return ZEL_ERR_GENERIC;
-  }
+  if (!is_odd(*power.N)) return refuse(*power.r);
   if (significant(*power.a) == 0) {
     set_word(*power.r, 0);
     return ZEL_OK;
@@ -136,8 +125,11 @@ std::int32_t power_secret_two(const SecretPower &first, const SecretPower &secon
   const bool both_work = is_odd(*first.N) && is_odd(*second.N) && significant(*first.a) != 0 &&
                          significant(*second.a) != 0;
   if (!both_work) {
-    const std::int32_t status = power_secret(first);
-    return power_secret(second) == ZEL_OK ? status : ZEL_ERR_GENERIC;
+    Wiped<MINT> kept{MINT{}};  // the first result may be an operand of the second power
+    const std::int32_t first_status = power_secret({&*kept, first.a, first.e, first.N, first.bits});
+    const std::int32_t second_status = power_secret(second);
+    mint::copy(*first.r, *kept);
+    return first_status == ZEL_OK ? second_status : first_status;
   }
   OddPower one(*first.a, *first.e, *first.N, bits_of(first));
   OddPower two(*second.a, *second.e, *second.N, bits_of(second));
@@ -161,16 +153,13 @@ int32_t MINT_mont_exp_mod(MINT *r, const MINT *a, const MINT *e, const MINT *N) 
     set_word(*r, 1);
     return ZEL_OK;
   }
-  if (!is_odd(*N)) {
-    set_word(*r, 0);
-    return ZEL_ERR_GENERIC;
-  }
+  if (!is_odd(*N)) return refuse(*r);
   return power_odd(*r, *a, *e, *N, bits);
 }
 
 int32_t MINT_ExpWin(MINT *r, const MINT *a, const MINT *e, const MINT *N, uint32_t window) {
   if (any_null(r, a, e, N) || e == N || a == e || a == N) return ZEL_ERR_GENERIC;
-  if (significant(*N) == 0) return ZEL_ERR_GENERIC;
+  if (significant(*N) == 0) return refuse(*r);
   if (significant(*a) == 0 || is_one(*N)) {
     set_word(*r, 0);
     return ZEL_OK;
@@ -180,7 +169,7 @@ int32_t MINT_ExpWin(MINT *r, const MINT *a, const MINT *e, const MINT *N, uint32
     set_word(*r, 1);
     return ZEL_OK;
   }
-  if (window == 0 || window > kWidestWindow) return ZEL_ERR_GENERIC;
+  if (window == 0 || window > kWidestWindow) return refuse(*r);
   if (is_odd(*N)) return power_odd_public(*r, *a, *e, *N, bits);
   power_classic(*r, *a, *e, *N, bits);
   return ZEL_OK;

@@ -284,12 +284,11 @@ int32_t MINT_BinExtGCD(MINT *x, MINT *y, MINT *g, const MINT *a, const MINT *b) 
 int32_t MINT_Inverse(MINT *r, const MINT *a, const MINT *n) {
   if (any_null(r, a, n) || r == n || a == n) return ZEL_ERR_GENERIC;
   const std::uint32_t n_len = mint::significant(*n);
-  if (n_len == 0) return ZEL_ERR_GENERIC;
+  if (n_len == 0) return mint::refuse(*r);
   const Euclid euclid(n->words, n_len, a->words, mint::used(*a), true);
-  if (!euclid.is_one()) return ZEL_ERR_NO_INVERSE;
-  if (mint::is_one(*n)) {
+  if (!euclid.is_one() || mint::is_one(*n)) {
     r->length = 0;
-    return ZEL_OK;
+    return euclid.is_one() ? ZEL_OK : ZEL_ERR_NO_INVERSE;
   }
   put(&r->length, r->words, euclid.cofactor(), euclid.cofactor_size());
   if (!euclid.odd()) {

@@ -181,7 +181,8 @@ constexpr std::size_t steps_for(std::size_t bits) noexcept {
 
 std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept {
   const std::uint32_t n_len = significant(n);
-  if (n_len == 0 || (n.words[0] & 1) == 0 || &r == &n || &a == &n) return ZEL_ERR_GENERIC;
+  if (&r == &n || &a == &n) return ZEL_ERR_GENERIC;
+  if (!is_odd(n)) return refuse(r);
   const std::size_t bits = 32 * std::max<std::size_t>(n_len, used(a));
   const std::size_t size = std::max<std::size_t>(digits_of(bits + 2), 2);
   Wiped<Numbers> x;

@@ -59,7 +59,7 @@ int32_t MINT_SetByHexString(MINT *a, const char *hex) {
   a->length = 0;
   const std::size_t digits = std::strlen(hex);
   if (digits == 0 || (digits == 1 && hex[0] == '0')) return ZEL_OK;
-  if (digits > kDigitsPerWord * mint::kWords) return ZEL_ERR_GENERIC;
+  if (digits > kDigitsPerWord * mint::kWords) return mint::refuse(*a);
 
   const std::size_t len = (digits + kDigitsPerWord - 1) / kDigitsPerWord;
   std::uint32_t word = 0;
@@ -108,12 +108,14 @@ void MINT_SetBy2ExpN(MINT *a, int32_t n) {
 
 int32_t MINT_ReadFromBuffer(MINT *a, const uint8_t *in, uint32_t in_len) {
   if (any_null(a, in)) return ZEL_ERR_GENERIC;
-  a->length = 0;
-  if (in_len < kBytesPerWord) return ZEL_ERR_GENERIC;
-  const std::uint32_t count = load_be32(in);
-  if (count > mint::kWords) return ZEL_ERR_GENERIC;
+  const std::uint32_t count = in_len < kBytesPerWord ? 0 : load_be32(in);
+  if (in_len < kBytesPerWord || count > mint::kWords) return mint::refuse(*a);
   a->length = count;
-  if (count != 0 && kBytesPerWord * (count + std::size_t{1}) > in_len) return ZEL_ERR_GENERIC;
+  if (kBytesPerWord * (count + std::size_t{1}) > in_len) {
+    // Deliberate: zero in value, but as long as was announced.
+    std::fill_n(a->words, count, 0U);
+    return ZEL_ERR_GENERIC;
+  }
   for (std::uint32_t i = 0; i < count; ++i)
     a->words[i] = load_be32(in + std::size_t{kBytesPerWord} * (count - i));
   return ZEL_OK;

@@ -50,6 +50,13 @@ inline void copy(MINT &to, const MINT &from) noexcept {
 }
 
 inline bool is_one(const MINT &a) noexcept { return significant(a) == 1 && a.words[0] == 1; }
+inline bool is_odd(const MINT &a) noexcept { return used(a) != 0 && a.words[0] % 2 != 0; }
+
+/// What a refusal leaves of a result: zero.
+[[nodiscard]] inline std::int32_t refuse(MINT &r) noexcept {
+  r.length = 0;
+  return ZEL_ERR_GENERIC;
+}
 
 /// A number on the stack as limbs, of which the first `count` are zeroed when its scope ends.
 template <std::size_t kCapacity>

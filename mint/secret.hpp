@@ -14,7 +14,7 @@ namespace zel::mint {
 /// neither.
 ///
 /// Whether there is an inverse is computed without a branch; a caller who branches on the status
-/// makes it public. ZEL_ERR_GENERIC, with r untouched: n is zero or even, or is r or a.
+/// makes it public. ZEL_ERR_GENERIC: n is zero or even, and r is zero then, or n is r or a.
 [[nodiscard]] std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept;
 
 /// r = a * b + c mod n for odd n. n is public, and so are all lengths; the values of a, b and c,

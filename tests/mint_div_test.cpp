@@ -135,27 +135,11 @@ TEST(MintDivision, RecordsAgreeWithGmp) {
     }
     q.reset(a);
     ASSERT_EQ(MINT_ModClassic(q.get(), &b), vb == 0 ? -1 : 0);
-    ASSERT_EQ(value_of(*q), vb == 0 ? va : mpz_class(va % vb));
-    const bool kept = vb == 0 || va < vb;
-    ASSERT_EQ(q->length, kept ? a.length : words_of(va % vb));
+    const mpz_class rest = vb == 0 ? mpz_class(0) : mpz_class(va % vb);
+    ASSERT_EQ(value_of(*q), rest);
+    ASSERT_EQ(q->length, words_of(rest)) << "trimmed, below the modulus too";
     ASSERT_TRUE(q.intact());
   }
-}
-
-TEST(MintDivision, RefusesSharedRecordsAndZero) {
-  MINT a = record(10), b = record(3), q = record(77), zeros = record(0);
-  zeros.length = 3;
-  EXPECT_EQ(MINT_Div(&q, &q, &a, &b), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_Div(&q, &b, &a, &b), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_Div(&b, &q, &a, &b), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_Div(&q, &b, &a, &zeros), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_ModClassic(&a, &a), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_ModClassic(&a, &zeros), ZEL_ERR_GENERIC);
-  std::uint32_t word = 5;
-  EXPECT_EQ(MINT_DivInteger(&q, &word, &a, 0), ZEL_ERR_GENERIC);
-  EXPECT_EQ(MINT_ModInteger(&word, &a, 0), ZEL_ERR_GENERIC);
-  EXPECT_EQ(value_of(q), 77);
-  EXPECT_EQ(word, 5U);
 }
 
 TEST(MintDivision, ByOneWord) {
@@ -204,11 +188,6 @@ TEST(MintDivision, CoreOnArrays) {
     ASSERT_EQ(again, a);
     ASSERT_EQ(again_len, a_len);
   }
-  std::vector<std::uint32_t> a(263, 1);
-  std::uint32_t q_len = 0, a_len = 263, one = 1;
-  EXPECT_EQ(MINT_Div_Core(&q_len, a.data(), &a_len, a.data(), 1, &one), ZEL_ERR_GENERIC);
-  a_len = 1;
-  EXPECT_EQ(MINT_ModClassic_Core(&a_len, &one, 263, a.data()), ZEL_ERR_GENERIC);
 }
 
 }  // namespace

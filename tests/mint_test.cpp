@@ -167,23 +167,6 @@ TEST(MintWords, OperationsWithOneWord) {
   }
 }
 
-TEST(MintWords, NullWhereAStatusComesBack) {
-  MINT a = from_words({3});
-  std::uint32_t word = 0;
-  EXPECT_EQ(MINT_SetByHexString(nullptr, "1"), -1);
-  EXPECT_EQ(MINT_SetByHexString(&a, nullptr), -1);
-  EXPECT_EQ(MINT_ReadFromBuffer(nullptr, nullptr, 0), -1);
-  EXPECT_EQ(MINT_Compare(nullptr, &a), -1);
-  EXPECT_EQ(MINT_Sub(nullptr, &a, &a), -1);
-  EXPECT_EQ(MINT_SubInteger(&a, nullptr, 1), -1);
-  EXPECT_EQ(MINT_Div(nullptr, &a, &a, &a), -1);
-  EXPECT_EQ(MINT_DivInteger(&a, nullptr, &a, 1), -1);
-  EXPECT_EQ(MINT_ModInteger(&word, nullptr, 1), -1);
-  EXPECT_EQ(MINT_ModClassic(nullptr, &a), -1);
-  EXPECT_EQ(MINT_Inverse(nullptr, &a, &a), -1);
-  EXPECT_EQ(MINT_BinExtGCD(nullptr, nullptr, nullptr, &a, &a), 0);
-}
-
 TEST(MintCore, ArraysOfAnyLength) {
   Shapes shapes(9);
   for (int turn = 0; turn < 2000; ++turn) {

@@ -8,10 +8,13 @@
  *   length mean nothing. Nothing outside the 130 words is read or written, whatever the arguments.
  * - Top words may be zero: a value has many records. "Trimmed" means that a result has none.
  *   "Zero" means a record of length 0, except where the magnitude is said to count.
- * - What does not fit in 4160 bits is refused with ZEL_ERR_GENERIC and a zero result by functions
- *   that report a status; the others keep the low 4160 bits.
+ * - What does not fit in 4160 bits is refused with ZEL_ERR_GENERIC by functions that report a
+ *   status; the others keep the low 4160 bits.
  * - Pointers must not be null; functions that report a status answer ZEL_ERR_GENERIC for a null
- *   pointer and touch nothing.
+ *   pointer.
+ * - Whatever else a status refuses or fails at leaves every result zero. Nothing is touched only
+ *   where a pointer is null, or where two records that must be different are the same one: a
+ *   result might be an operand there.
  * - Only functions that say so run in a time that does not depend on the values.
  *
  * None of these functions asks for the module state. Their data are in the caller's records and on
@@ -61,7 +64,7 @@ ZEL_API void MINT_SetByInteger(MINT *a, uint32_t v);
 /**
  * Reads hexadecimal digits of either case, most significant first. Leading zeros are kept as words.
  *
- * @param[out] a    length ceil(digits / 8), not trimmed; zero for "" and "0" and on refusal
+ * @param[out] a    length ceil(digits / 8), not trimmed; zero for "" and "0"
  * @param[in]  hex  at most 1040 digits, without a prefix
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  another character, or too many of them
@@ -88,8 +91,8 @@ ZEL_API void MINT_SetBy2ExpN(MINT *a, int32_t n);
 /**
  * Reads what MINT_WriteToBuffer wrote: a big-endian word count, then the words from the top.
  *
- * @param[out] a       the value, not trimmed; after a refusal its length is the count, or 0 when
- *                     the count itself is missing or above 130
+ * @param[out] a       the value, not trimmed; after a refusal zero words, as many as announced, or
+ *                     none when the count itself is missing or above 130
  * @param[in]  in      [in_len] bytes
  * @param[in]  in_len  bytes
  * @retval ZEL_OK           done

@@ -205,7 +205,7 @@ ZEL_API void MINT_KSquare_Core(uint32_t *r_len, uint32_t *r, uint32_t a_len, con
  * @param[in]  b    divisor
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  `b` is zero in magnitude, or `q`, `rem` and `b` are not three different
- *                          records; nothing touched
+ *                          records
  */
 ZEL_API int32_t MINT_Div(MINT *q, MINT *rem, const MINT *a, const MINT *b);
 
@@ -217,7 +217,7 @@ ZEL_API int32_t MINT_Div(MINT *q, MINT *rem, const MINT *a, const MINT *b);
  * @param[in]  a    dividend
  * @param[in]  d    divisor
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  `d` is 0; nothing touched
+ * @retval ZEL_ERR_GENERIC  `d` is 0
  */
 ZEL_API int32_t MINT_DivInteger(MINT *q, uint32_t *rem, const MINT *a, uint32_t d);
 
@@ -228,17 +228,17 @@ ZEL_API int32_t MINT_DivInteger(MINT *q, uint32_t *rem, const MINT *a, uint32_t 
  * @param[in]  a    dividend
  * @param[in]  d    divisor
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  `d` is 0; nothing touched
+ * @retval ZEL_ERR_GENERIC  `d` is 0
  */
 ZEL_API int32_t MINT_ModInteger(uint32_t *rem, const MINT *a, uint32_t d);
 
 /**
  * Reduces in place.
  *
- * @param[in,out] a  becomes a mod m, trimmed; left as it is when a < m
+ * @param[in,out] a  becomes a mod m, trimmed
  * @param[in]     m  modulus; must not be `a`
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  `m` is zero in magnitude, or is `a`; nothing touched
+ * @retval ZEL_ERR_GENERIC  `m` is zero in magnitude, or is `a`
  */
 ZEL_API int32_t MINT_ModClassic(MINT *a, const MINT *m);
 
@@ -262,8 +262,8 @@ ZEL_API void MINT_Mod2ExpN(MINT *a, uint32_t n);
  * @param[in]     b_len  words of `b`
  * @param[in]     b      [b_len] divisor
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  null pointer, `b` without a word that is not zero, or more than 262
- *                          words in `a` or `b`; nothing touched
+ * @retval ZEL_ERR_GENERIC  null pointer; or `b` without a word that is not zero, or more than 262
+ *                          words in `a` or `b`: both lengths are 0
  */
 ZEL_API int32_t MINT_Div_Core(uint32_t *q_len, uint32_t *q, uint32_t *a_len, uint32_t *a,
                               uint32_t b_len, const uint32_t *b);
@@ -276,7 +276,7 @@ ZEL_API int32_t MINT_Div_Core(uint32_t *q_len, uint32_t *q, uint32_t *a_len, uin
  * @param[in]     b_len  words of `b`
  * @param[in]     b      [b_len] modulus
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  as of MINT_Div_Core; nothing touched
+ * @retval ZEL_ERR_GENERIC  as of MINT_Div_Core
  */
 ZEL_API int32_t MINT_ModClassic_Core(uint32_t *a_len, uint32_t *a, uint32_t b_len,
                                      const uint32_t *b);
@@ -316,8 +316,8 @@ ZEL_API int32_t MINT_BinExtGCD(MINT *x, MINT *y, MINT *g, const MINT *a, const M
  * @param[in]  a  the value, of any size; must not be `n`
  * @param[in]  n  modulus, odd or even
  * @retval ZEL_OK              done
- * @retval ZEL_ERR_GENERIC     `n` is zero in magnitude or one of the other records; nothing touched
- * @retval ZEL_ERR_NO_INVERSE  `a` and `n` have a common divisor; nothing touched
+ * @retval ZEL_ERR_GENERIC     `n` is zero in magnitude or one of the other records
+ * @retval ZEL_ERR_NO_INVERSE  `a` and `n` have a common divisor
  */
 ZEL_API int32_t MINT_Inverse(MINT *r, const MINT *a, const MINT *n);
 

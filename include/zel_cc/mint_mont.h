@@ -29,7 +29,7 @@ ZEL_BEGIN_DECLS
  * @param[out] mont  all fields; `Ni` zero
  * @param[in]  N     the odd modulus; its zero words on top do not count
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  null pointer, nothing touched; or N is zero, and so is the context
+ * @retval ZEL_ERR_GENERIC  null pointer; or N is zero, and so is the whole context
  */
 ZEL_API int32_t MINT_mont_set(MINT_MONT_CTX *mont, const MINT *N);
 
@@ -41,7 +41,7 @@ ZEL_API int32_t MINT_mont_set(MINT_MONT_CTX *mont, const MINT *N);
  * @param[in]  b     below R; where it is the same record as `a`, the square routine serves
  * @param[in]  mont  from MINT_mont_set
  * @retval 1                done
- * @retval ZEL_ERR_GENERIC  null pointer; nothing touched
+ * @retval ZEL_ERR_GENERIC  null pointer
  */
 ZEL_API int32_t MINT_mont_mul_mod(MINT *r, const MINT *a, const MINT *b, const MINT_MONT_CTX *mont);
 
@@ -53,7 +53,7 @@ ZEL_API int32_t MINT_mont_mul_mod(MINT *r, const MINT *a, const MINT *b, const M
  *                      covers them as far as the record does
  * @param[in]     mont  from MINT_mont_set
  * @retval 1                done
- * @retval ZEL_ERR_GENERIC  null pointer; nothing touched
+ * @retval ZEL_ERR_GENERIC  null pointer
  */
 ZEL_API int32_t MINT_from_mont_word(MINT *r, MINT *t, const MINT_MONT_CTX *mont);
 
@@ -66,7 +66,7 @@ ZEL_API int32_t MINT_from_mont_word(MINT *r, MINT *t, const MINT_MONT_CTX *mont)
  * @param[in]  t     below N * R
  * @param[in]  mont  from MINT_mont_set, with `Ni` filled in
  * @retval 1                done
- * @retval ZEL_ERR_GENERIC  null pointer; nothing touched
+ * @retval ZEL_ERR_GENERIC  null pointer
  */
 ZEL_API int32_t MINT_from_mont(MINT *r, const MINT *t, const MINT_MONT_CTX *mont);
 
@@ -104,8 +104,7 @@ ZEL_API uint32_t MINT_sub_words(uint32_t *rp, const uint32_t *ap, const uint32_t
  * @param[in]  e  the exponent
  * @param[in]  N  the modulus, odd, of up to 4160 bits
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  null pointer, nothing touched; or `e` is not zero and N is zero or even,
- *                          or no memory: `r` is zero
+ * @retval ZEL_ERR_GENERIC  null pointer, `e` not zero and N zero or even, or no memory
  */
 ZEL_API int32_t MINT_mont_exp_mod(MINT *r, const MINT *a, const MINT *e, const MINT *N);
 
@@ -122,42 +121,9 @@ ZEL_API int32_t MINT_mont_exp_mod(MINT *r, const MINT *a, const MINT *e, const M
  * @param[in]  window  1 to 23; it does not change the result. The callers' usual value is 4
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  null pointer, records not distinct, N zero, a window out of range, or no
- *                          memory; `r` is zero in the last case and untouched in the others
+ *                          memory
  */
 ZEL_API int32_t MINT_ExpWin(MINT *r, const MINT *a, const MINT *e, const MINT *N, uint32_t window);
-
-ZEL_END_DECLS
-
-ZEL_BEGIN_DECLS
-
-/** @name Montgomery multiplication and exponentiation */
-/** @{ */
-
-/** Prepares Montgomery multiplication modulo the odd `N`. @return ZEL_OK */
-ZEL_API int32_t MINT_mont_set(MINT_MONT_CTX *mont, const MINT *N);
-
-/** Multiplies: r = a * b / R mod N, trimmed; `a` may be `b`. @return 1 */
-ZEL_API int32_t MINT_mont_mul_mod(MINT *r, const MINT *a, const MINT *b, const MINT_MONT_CTX *mont);
-
-/** Reduces: r = t / R mod N, not trimmed; `t` is scratch. */
-ZEL_API int32_t MINT_from_mont_word(MINT *r, MINT *t, const MINT_MONT_CTX *mont);
-
-/** Reduces through `Ni`, which the caller has filled: r = t / R mod N. */
-ZEL_API int32_t MINT_from_mont(MINT *r, const MINT *t, const MINT_MONT_CTX *mont);
-
-/** Adds ap[i] * w to rp[i] over `num` words. @return the carry; 0 when `num` is below 1 */
-ZEL_API uint32_t MINT_mul_add_words(uint32_t *rp, const uint32_t *ap, int32_t num, uint32_t w);
-
-/** Sets rp to ap - bp over `num` words. @return the borrow; 0 when `num` is below 1 */
-ZEL_API uint32_t MINT_sub_words(uint32_t *rp, const uint32_t *ap, const uint32_t *bp, int32_t num);
-
-/** Raises to a power: r = a^e mod N, for odd N. @return ZEL_OK, or ZEL_ERR_GENERIC */
-ZEL_API int32_t MINT_mont_exp_mod(MINT *r, const MINT *a, const MINT *e, const MINT *N);
-
-/** Raises public values to a power: r = a^e mod N. @return ZEL_OK, or ZEL_ERR_GENERIC */
-ZEL_API int32_t MINT_ExpWin(MINT *r, const MINT *a, const MINT *e, const MINT *N, uint32_t window);
-
-/** @} */
 
 ZEL_END_DECLS
 
