@@ -34,14 +34,27 @@ const Probe kPublicInverse{"MINT_Inverse, which is for public values",
                            },
                            true};
 
+void divides(const MINT &product, const MINT &divisor, const MINT &want) {
+  MINT q, rest;
+  MINT_Div(&q, &rest, &product, &divisor);
+  require(MINT_Compare(&q, &want) == 0 && MINT_GetBitLength(&rest) == 0, "a product");
+}
+
 const Probe kProducts{"MINT_Mult and MINT_Square", [] {
                         for (const std::uint32_t len : {1U, 5U, 16U, 64U, 65U}) {
-                          MINT a = number(len, 5), b = number(len, 6), r;
+                          MINT a = number(len, 5), b = number(len, 6), product, square;
+                          const MINT x = a, y = b;
                           secret(a.words, sizeof a.words);
                           secret(b.words, sizeof b.words);
-                          MINT_Mult(&r, &a, &b);
+                          MINT_Mult(&product, &a, &b);
+                          MINT_Square(&square, &b);
                           MINT_Mult(&a, &a, &b);
-                          MINT_Square(&r, &b);
+                          open(a);
+                          open(product);
+                          open(square);
+                          require(MINT_Compare(&a, &product) == 0, "MINT_Mult in place");
+                          divides(product, x, y);
+                          divides(square, y, y);
                         }
                       }};
 
