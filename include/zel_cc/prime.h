@@ -5,9 +5,10 @@
  * Everything random comes from `rand`: see mint_rand.h. The number and order of the draws are part
  * of the interface.
  *
- * A generator tries candidates until one is prime. Bounds under which there is no prime end with a
- * zero result: at once where that is plain (minBits > maxBits, maxBits below 11 or above 4160, an
- * even `e`), else after 1000 * (maxBits + 100) candidates.
+ * A generator tries candidates until one is prime. Conditions that no prime meets end with a zero
+ * result: before the first draw where that is plain (minBits > maxBits, maxBits below 11 or above
+ * 4160, an even `e`, a divisor that all members of a residue class have), else after
+ * 1000 * (maxBits + 100) candidates, or fewer where a residue class has few.
  */
 #ifndef ZEL_CC_PRIME_H
 #define ZEL_CC_PRIME_H
@@ -68,6 +69,12 @@ ZEL_API void PRIME_GeneratePrime(MINT *p, uint32_t minBits, uint32_t maxBits, co
 /**
  * Generates a prime p = a modulo 2 m; p = a + m where `a` is even. Seeds `rand` first.
  *
+ * p is k * m + a, where MINT_RandWithinMINT draws k between |2^(minBits - 1) - a| / m and
+ * |2^maxBits - 1 - a| / m and bit 0 of k is cleared then. So it is k that keeps to the bounds:
+ * where few fit between them, p may have a bit too few or too many. An `a` above 2^(minBits - 1)
+ * moves the lower bound up again, and one above 2^maxBits gives primes above it, of up to 4160
+ * bits.
+ *
  * @param[out] p        the prime, trimmed; zero when there is none
  * @param[in]  a        the residue
  * @param[in]  m        half the modulus
@@ -88,9 +95,9 @@ ZEL_API void PRIME_GeneratePrimeCongruence(MINT *p, const MINT *a, const MINT *m
  * @param[in]  minBits  fewest bits of p
  * @param[in]  maxBits  most bits of p
  * @param[in]  e        gcd(e, p - 1) shall be 1; null or 1 for no such condition
- * @param[in]  rBits    bits of r
- * @param[in]  sBits    bits of s
- * @param[in]  tBits    bits of t
+ * @param[in]  rBits    bits of r; rBits + sBits at most maxBits, else the result is zero at once
+ * @param[in]  sBits    bits of s, at least 11
+ * @param[in]  tBits    bits of t, at least 11 and below rBits
  */
 ZEL_API void PRIME_GenerateStrongPrime(MINT *p, uint32_t minBits, uint32_t maxBits, const MINT *e,
                                        uint32_t rBits, uint32_t sBits, uint32_t tBits);
