@@ -8,11 +8,8 @@ namespace zel::mint {
 std::int32_t power_product(MINT &r, const MINT &a, const MINT &e, const MINT &b, const MINT &f,
                            const MINT &N) noexcept {
   using Narrow = Limbs<limbs::kMaxLimbs>;
+  if (!is_odd(N)) return refuse(r);
   const Narrow modulus(N.words, significant(N));
-  if (modulus.size() == 0 || N.words[0] % 2 == 0) {
-    set_word(r, 0);
-    return ZEL_ERR_GENERIC;
-  }
   Modulus m;
   Limb x[kMontgomeryLimbs];
   Limb y[kMontgomeryLimbs];
@@ -24,10 +21,8 @@ std::int32_t power_product(MINT &r, const MINT &a, const MINT &e, const MINT &b,
   const Narrow first_exponent(e);
   const Narrow second_exponent(f);
   if (!raise_product_public({&m, x, x, first_exponent.data(), MINT_GetBitLength(&e)},
-                            {&m, y, y, second_exponent.data(), MINT_GetBitLength(&f)})) {
-    set_word(r, 0);
-    return ZEL_ERR_GENERIC;
-  }
+                            {&m, y, y, second_exponent.data(), MINT_GetBitLength(&f)}))
+    return refuse(r);
   leave(m, x, x);
   limbs::to_words(r.words, kWords, x, m.n);
   r.length = kWords;

@@ -8,8 +8,9 @@ namespace zel::mint {
 std::int32_t multiply_add_secret(MINT &r, const MINT &a, const MINT &b, const MINT &c,
                                  const MINT &n) noexcept {
   using Narrow = Limbs<limbs::kMaxLimbs>;
+  if (&r == &n) return ZEL_ERR_GENERIC;
+  if (!is_odd(n)) return refuse(r);
   const std::uint32_t words = significant(n);
-  if (words == 0 || n.words[0] % 2 == 0 || &r == &n) return ZEL_ERR_GENERIC;
   Modulus m;
   const Narrow modulus(n.words, words);
   prepare(m, modulus.data(), modulus.size());

@@ -21,7 +21,7 @@ namespace zel::mint {
 /// which may be above n, and the result are secret. Not trimmed: r has the significant length of n.
 /// r may be an operand but n.
 ///
-/// ZEL_ERR_GENERIC, with r untouched: n is zero or even, or is r.
+/// ZEL_ERR_GENERIC: n is zero or even, and r is zero then, or n is r.
 [[nodiscard]] std::int32_t multiply_add_secret(MINT &r, const MINT &a, const MINT &b, const MINT &c,
                                                const MINT &n) noexcept;
 

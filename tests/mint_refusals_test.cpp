@@ -1,6 +1,7 @@
 // Big integers: what a refusal leaves behind, by one rule for every function with a status.
 #include <cstdlib>
 
+#include "mint/public_exp.hpp"
 #include "mint/secret.hpp"
 #include "mint/secret_exp.hpp"
 #include "support/mint.hpp"
@@ -19,6 +20,8 @@ namespace {
 
 using namespace zel::test;
 using zel::mint::inverse_secret;
+using zel::mint::multiply_add_secret;
+using zel::mint::power_product;
 using zel::mint::power_secret;
 using zel::mint::power_secret_two;
 
@@ -88,6 +91,16 @@ const Refusal kRefusals[] = {
      [](MINT &r, MINT &) { return inverse_secret(r, kThree, r); }},
     {"inverse_secret, a is n", -1, Refusal::kUntouched,
      [](MINT &r, MINT &q) { return inverse_secret(r, q, q); }},
+    {"multiply_add_secret, n is even", -1, Refusal::kResultsZero,
+     [](MINT &r, MINT &q) { return only(q, multiply_add_secret(r, kThree, kFive, kFive, kEven)); }},
+    {"multiply_add_secret, r is n", -1, Refusal::kUntouched,
+     [](MINT &r, MINT &) { return multiply_add_secret(r, kThree, kFive, kFive, r); }},
+    {"power_product, memory", -1, Refusal::kOutOfMemory,
+     [](MINT &r, MINT &q) { return only(q, power_product(r, kThree, kFive, kThree, kFive, r)); }},
+    {"power_product, N is even", -1, Refusal::kResultsZero,
+     [](MINT &r, MINT &q) {
+       return only(q, power_product(r, kThree, kFive, kThree, kFive, kEven));
+     }},
     {"mont_exp_mod, N is even", -1, Refusal::kResultsZero,
      [](MINT &r, MINT &q) { return only(q, MINT_mont_exp_mod(&r, &kThree, &kFive, &kEven)); }},
     {"mont_exp_mod, N is zero", -1, Refusal::kResultsZero,
