@@ -30,6 +30,9 @@
 #include "zel_cc/rc4.h"
 #include "zel_cc/rng.h"
 #include "zel_cc/rsa.h"
+#include "zel_cc/rsa20.h"
+#include "zel_cc/rsa_key.h"
+#include "zel_cc/rsa_oaep.h"
 #include "zel_cc/selftest.h"
 #include "zel_cc/state.h"
 

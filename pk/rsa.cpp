@@ -2,6 +2,8 @@
 #include "zel_cc/rsa.h"
 
 #include "pk/algorithms.hpp"
+#include "zel_cc/rsa_key.h"
+#include "zel_cc/rsa_oaep.h"
 
 extern "C" {
 
@@ -10,13 +12,13 @@ constinit const PKCRYPT_ALGORITHM rsa = {
     .Verify = RSA_SSA_V,
     .SignFile = RSA_SSA_S_File,
     .VerifyFile = RSA_SSA_V_File,
-    .Encrypt = nullptr,
-    .Decrypt = nullptr,
+    .Encrypt = RSAES_OAEP_ENCRYPT21,
+    .Decrypt = RSAES_OAEP_DECRYPT21,
     .GenParam = nullptr,
-    .GenKeyOfBits = nullptr,
+    .GenKeyOfBits = RSA_GenKey,
     .CheckParam = nullptr,
-    .CheckPlainKey = nullptr,
-    .CheckPlainKeyPair = nullptr,
+    .CheckPlainKey = RSA_CheckKey,
+    .CheckPlainKeyPair = RSA_CheckKeyPair,
     .PriKeySize = sizeof(RSA_PRIVATE_KEY),
     .PubKeySize = sizeof(RSA_PUBLIC_KEY),
     .ParamSize = 0,
@@ -31,13 +33,13 @@ constinit const PKCRYPT_ALGORITHM rsa21 = {
     .Verify = RSA_SSA_PSS_V,
     .SignFile = RSA_SSA_PSS_S_File,
     .VerifyFile = RSA_SSA_PSS_V_File,
-    .Encrypt = nullptr,
-    .Decrypt = nullptr,
+    .Encrypt = RSAES_OAEP_ENCRYPT21,
+    .Decrypt = RSAES_OAEP_DECRYPT21,
     .GenParam = nullptr,
-    .GenKeyOfBits = nullptr,
+    .GenKeyOfBits = RSA_GenKey,
     .CheckParam = nullptr,
-    .CheckPlainKey = nullptr,
-    .CheckPlainKeyPair = nullptr,
+    .CheckPlainKey = RSA_CheckKey,
+    .CheckPlainKeyPair = RSA_CheckKeyPair,
     .PriKeySize = sizeof(RSA_PRIVATE_KEY),
     .PubKeySize = sizeof(RSA_PUBLIC_KEY),
     .ParamSize = 0,

@@ -1,15 +1,10 @@
 // RSA signatures: published vectors, every size, altered signatures, refusals and their order.
-#include <openssl/core_names.h>
-#include <openssl/evp.h>
-#include <openssl/param_build.h>
-#include <openssl/rsa.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 
 #include "tests/support/features.hpp"
-#include "tests/support/rsa.hpp"
+#include "tests/support/openssl_rsa.hpp"
 
 // The C library's generator, seen and steered: the program's definition wins over the library's.
 namespace {
@@ -115,40 +110,16 @@ TEST(RsaVectors, DifferWhereTheyAreSaidTo) {
   }
 }
 
-// OpenSSL's view of a key and of our signatures.
+/// OpenSSL's signatures with a key, and its view of ours.
 class OpenSsl {
  public:
-  OpenSsl(const RsaKey &key, bool pss, const EVP_MD *md) : pss_(pss), md_(md) {
-    OSSL_PARAM_BLD *const build = OSSL_PARAM_BLD_new();
-    const MINT *const values[] = {&key.pri.n, &key.pri.e,  &key.pri.d,  &key.pri.p,
-                                  &key.pri.q, &key.pri.dP, &key.pri.dQ, &key.pri.qInv};
-    const char *const names[] = {OSSL_PKEY_PARAM_RSA_N,         OSSL_PKEY_PARAM_RSA_E,
-                                 OSSL_PKEY_PARAM_RSA_D,         OSSL_PKEY_PARAM_RSA_FACTOR1,
-                                 OSSL_PKEY_PARAM_RSA_FACTOR2,   OSSL_PKEY_PARAM_RSA_EXPONENT1,
-                                 OSSL_PKEY_PARAM_RSA_EXPONENT2, OSSL_PKEY_PARAM_RSA_COEFFICIENT1};
-    BIGNUM *numbers[8];
-    for (int i = 0; i < 8; ++i) {
-      const Bytes bytes = octets(*values[i], 520);
-      numbers[i] = BN_bin2bn(bytes.data(), 520, nullptr);
-      OSSL_PARAM_BLD_push_BN(build, names[i], numbers[i]);
-    }
-    OSSL_PARAM *const params = OSSL_PARAM_BLD_to_param(build);
-    EVP_PKEY_CTX *const context = EVP_PKEY_CTX_new_from_name(nullptr, "RSA", nullptr);
-    EVP_PKEY_fromdata_init(context);
-    EVP_PKEY_fromdata(context, &key_, EVP_PKEY_KEYPAIR, params);
-    EVP_PKEY_CTX_free(context);
-    OSSL_PARAM_free(params);
-    OSSL_PARAM_BLD_free(build);
-    for (BIGNUM *const number : numbers)
-      BN_free(number);
-  }
-  ~OpenSsl() { EVP_PKEY_free(key_); }
-  OpenSsl(const OpenSsl &) = delete;
+  OpenSsl(const RsaKey &key, bool pss, const EVP_MD *md)
+      : pss_(pss), md_(md), key_(peer_key(key)) {}
 
   bool verifies(const Bytes &sig) const {
     EVP_MD_CTX *const context = EVP_MD_CTX_new();
     EVP_PKEY_CTX *pkey = nullptr;
-    EVP_DigestVerifyInit(context, &pkey, md_, nullptr, key_);
+    EVP_DigestVerifyInit(context, &pkey, md_, nullptr, key_.get());
     pad(pkey);
     const int ok =
         EVP_DigestVerify(context, sig.data(), sig.size(), kMessage.data(), kMessage.size());
@@ -158,7 +129,7 @@ class OpenSsl {
   Bytes sign() const {
     EVP_MD_CTX *const context = EVP_MD_CTX_new();
     EVP_PKEY_CTX *pkey = nullptr;
-    EVP_DigestSignInit(context, &pkey, md_, nullptr, key_);
+    EVP_DigestSignInit(context, &pkey, md_, nullptr, key_.get());
     pad(pkey);
     Bytes sig(600);
     std::size_t len = sig.size();
@@ -176,7 +147,7 @@ class OpenSsl {
   }
   bool pss_;
   const EVP_MD *md_;
-  EVP_PKEY *key_ = nullptr;
+  PeerKey key_;
 };
 
 // A size whose block or whose top bits are laid out wrongly fails against another program.

@@ -50,6 +50,8 @@ enum ZEL_ERROR {
   ZEL_ERR_PSS_ENCODE = -1093,
   /** An RSASSA-PSS signature does not verify. */
   ZEL_ERR_PSS_VERIFY = -1094,
+  /** RSAES-OAEP decryption: the modulus is too short for the hash. */
+  ZEL_ERR_OAEP_MODULUS = -1095,
   /** RSASSA-PKCS1-v1_5: the encoding is impossible for the modulus. */
   ZEL_ERR_PKCS1_ENCODE = -1096,
   /** DRBG: unsupported hash or security strength. */
@@ -196,6 +198,7 @@ static inline const char *zel_error_text(int32_t code) {
        "RSA decryption: ciphertext length is not the modulus length, or a decoding error"},
       {ZEL_ERR_PSS_ENCODE, "RSASSA-PSS: the modulus is too small for the encoding"},
       {ZEL_ERR_PSS_VERIFY, "an RSASSA-PSS signature does not verify"},
+      {ZEL_ERR_OAEP_MODULUS, "RSAES-OAEP decryption: the modulus is too short for the hash"},
       {ZEL_ERR_PKCS1_ENCODE, "RSASSA-PKCS1-v1_5: the encoding is impossible for the modulus"},
       {ZEL_ERR_DRBG_HASH, "DRBG: unsupported hash or security strength"},
       {ZEL_ERR_DRBG_ARGUMENT, "DRBG: missing context, output buffer or length"},

@@ -11,6 +11,7 @@
 
 #include "zel_cc/base.h"
 #include "zel_cc/errors.h"
+#include "zel_cc/rsa.h"
 
 ZEL_BEGIN_DECLS
 
@@ -68,6 +69,43 @@ ZEL_API int32_t CONDITIONAL_SELFTEST_KCDSA_RNG_HAS160(uint8_t *previous, const u
  */
 ZEL_API int32_t CONDITIONAL_SELFTEST_DSA_RNG_SHA1(uint8_t *previous, const uint8_t *next,
                                                   int32_t len);
+
+/**
+ * Pairwise test of a new RSA key pair: RSAES-OAEP over SHA-224. Does not enter the self-test state.
+ *
+ * @param[in] private_key  private key
+ * @param[in] public_key   its public key
+ * @retval ZEL_OK                   the keys belong together
+ * @retval ZEL_ERR_RSAES_OAEP_TEST  they do not: the module is now in its error state
+ * @retval ZEL_ERR_STATE            module not serving
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSAES_OAEP(const RSA_PRIVATE_KEY *private_key,
+                                                        const RSA_PUBLIC_KEY *public_key);
+
+/**
+ * Pairwise test of a new RSA key pair: RSASSA-PSS over SHA-224. Does not enter the self-test state.
+ *
+ * @param[in] private_key  private key
+ * @param[in] public_key   its public key
+ * @retval ZEL_OK                   the keys belong together
+ * @retval ZEL_ERR_RSASSA_PSS_TEST  they do not: the module is now in its error state
+ * @retval ZEL_ERR_STATE            module not serving
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSASSA_PSS(const RSA_PRIVATE_KEY *private_key,
+                                                        const RSA_PUBLIC_KEY *public_key);
+
+/**
+ * Pairwise test of a new RSA key pair: RSASSA-PKCS1-v1_5 over SHA-1. Does not enter the self-test
+ * state.
+ *
+ * @param[in] private_key  private key
+ * @param[in] public_key   its public key
+ * @retval ZEL_OK                     the keys belong together
+ * @retval ZEL_ERR_RSASSA_PKCS1_TEST  they do not: the module is now in its error state
+ * @retval ZEL_ERR_STATE              module not serving
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSASSA_PKCS1_V15(const RSA_PRIVATE_KEY *private_key,
+                                                              const RSA_PUBLIC_KEY *public_key);
 
 ZEL_END_DECLS
 

@@ -1,4 +1,5 @@
 // The RSA private operation.
+#include "pk/oaep.hpp"
 #include "pk/rsa_primitive.hpp"
 #include "tests/ct/numbers.hpp"
 #include "tests/ct/probe.hpp"
@@ -46,6 +47,19 @@ const Probe kPrivateOperation{"RSA_SP1", [] {
                                 private_operation(8, 30);
                                 private_operation(65, 65);
                               }};
+
+const Probe kDecoders{"the search for messages in decrypted blocks", [] {
+                        std::uint8_t block[64] = {2, 7, 7, 7, 7, 7, 7, 7, 7, 7};
+                        const std::uint8_t label_hash[20] = {2, 7, 7, 7, 7, 7, 7, 7, 7, 7};
+                        block[30] = 1;
+                        secret(block);
+                        pk::Found found = pk::find_in_data_block(block, 64, label_hash, 20);
+                        open(found);
+                        require(found.mask == ~0U && found.at == 31, "OAEP");
+                        found = pk::find_behind_padding(block, 64);
+                        open(found);
+                        require(found.mask == ~0U && found.at == 11, "version 1.5");
+                      }};
 
 }  // namespace
 }  // namespace zel::test
