@@ -194,6 +194,14 @@ std::int32_t make_round_keys(void *round_keys, const std::uint8_t *key) noexcept
   return ZEL_OK;
 }
 
+/// The deepest that a key schedule goes on the stack, and some more.
+constexpr std::size_t kStackDepth = 1024;
+
+template <unsigned kRounds>
+std::int32_t wiped_round_keys(void *round_keys, const std::uint8_t *key) noexcept {
+  return with_wiped_stack<kStackDepth>([&] { return make_round_keys<kRounds>(round_keys, key); });
+}
+
 /// Where the decryption keys begin.
 template <unsigned kRounds>
 const void *second_half(const void *round_keys) noexcept {
@@ -212,7 +220,7 @@ void ARIA192_EncryptDecryptBlock_(void *block, const void *keys) { crypt(block, 
 void ARIA256_EncryptDecryptBlock_(void *block, const void *keys) { crypt(block, keys, 16); }
 
 int32_t ARIA_MakeRoundKey(void *round_keys, const uint8_t *key, uint32_t /*key_len*/) {
-  return make_round_keys<12>(round_keys, key);
+  return wiped_round_keys<12>(round_keys, key);
 }
 void ARIA_EncryptBlock(void *block, const void *round_keys) {
   ARIA_EncryptDecryptBlock_(block, round_keys);
@@ -222,7 +230,7 @@ void ARIA_DecryptBlock(void *block, const void *round_keys) {
 }
 
 int32_t ARIA192_MakeRoundKey(void *round_keys, const uint8_t *key, uint32_t /*key_len*/) {
-  return make_round_keys<14>(round_keys, key);
+  return wiped_round_keys<14>(round_keys, key);
 }
 void ARIA192_EncryptBlock(void *block, const void *round_keys) {
   ARIA192_EncryptDecryptBlock_(block, round_keys);
@@ -232,7 +240,7 @@ void ARIA192_DecryptBlock(void *block, const void *round_keys) {
 }
 
 int32_t ARIA256_MakeRoundKey(void *round_keys, const uint8_t *key, uint32_t /*key_len*/) {
-  return make_round_keys<16>(round_keys, key);
+  return wiped_round_keys<16>(round_keys, key);
 }
 void ARIA256_EncryptBlock(void *block, const void *round_keys) {
   ARIA256_EncryptDecryptBlock_(block, round_keys);

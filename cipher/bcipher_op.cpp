@@ -21,7 +21,7 @@ using modes::Way;
 
 constexpr std::uint8_t kFinal = 1;
 /// The deepest that a key schedule goes on the stack, and some more.
-constexpr std::size_t kScheduleStackDepth = 3072;
+constexpr std::size_t kScheduleStackDepth = 2048;
 
 /// How many bytes a key length means: RC2 packs the effective bits into the upper half.
 std::uint32_t bytes_of_key(std::uint32_t key_len, const BCIPHER_ALGORITHM *descriptor) noexcept {

@@ -80,7 +80,8 @@ void make_round_keys(std::uint8_t *round_keys, const std::uint8_t *key,
   if (words != 0)
     for (std::size_t i = 0; i < kRounds + 2; ++i)
       store_le32(round_keys + 4 * i, kBlowfishPi[i] ^ load_be32(key + 4 * (i % words)));
-  std::uint8_t block[8] = {};
+  Wiped<std::array<std::uint8_t, 8>> held{std::array<std::uint8_t, 8>{}};
+  std::uint8_t *const block = held->data();
   for (std::size_t at = 0; at < kRoundKeysLen; at += 8) {
     Kernel::encrypt<1>(block, block, round_keys);
     store_le32(round_keys + at, load_be32(block));

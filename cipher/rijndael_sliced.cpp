@@ -353,18 +353,21 @@ void serial(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::si
 }
 
 struct Unit {
+  using Blank = std::array<std::uint8_t, kLanes * kBlockLen>;
+  using Blocks = Wiped<Blank>;
+
   static std::uint32_t sub_word(std::uint32_t word) noexcept {
-    std::uint8_t bytes[kLanes * kBlockLen] = {};
-    store_le32(bytes, word);
-    unslice(bytes, sub_bytes(slice(bytes)));
-    return load_le32(bytes);
+    Blocks bytes(Blank{});
+    store_le32(bytes->data(), word);
+    unslice(bytes->data(), sub_bytes(slice(bytes->data())));
+    return load_le32(bytes->data());
   }
 
   static void invert_mix_columns(std::uint8_t *to, const std::uint8_t *from) noexcept {
-    std::uint8_t bytes[kLanes * kBlockLen] = {};
-    std::memcpy(bytes, from, kBlockLen);
-    unslice(bytes, aes::invert_mix_columns(slice(bytes)));
-    std::memcpy(to, bytes, kBlockLen);
+    Blocks bytes(Blank{});
+    std::memcpy(bytes->data(), from, kBlockLen);
+    unslice(bytes->data(), aes::invert_mix_columns(slice(bytes->data())));
+    std::memcpy(to, bytes->data(), kBlockLen);
   }
 };
 

@@ -76,6 +76,9 @@ void decrypt(std::uint8_t *block, const std::uint8_t *keys) noexcept {
   crypt_tables(block, keys + 8 * (kRounds - 1), -8);
 }
 
+/// The deepest that the key schedule goes on the stack, and some more.
+constexpr std::size_t kStackDepth = 1024;
+
 /// RFC 4269, section 2.3: the two halves of the key turn by a byte in turn.
 template <class G>
 void make_round_keys(std::uint8_t *out, const std::uint8_t *key, G g) noexcept {
@@ -104,8 +107,10 @@ extern "C" {
 
 int32_t SEED_MakeRoundKey(void *round_keys, const uint8_t *key, uint32_t /*key_len*/) {
   auto *const out = static_cast<uint8_t *>(round_keys);
-  make_round_keys(out, key, cpu::has(cpu::Feature::kAesni) ? seed_g_aesni : g_tables);
-  return ZEL_OK;
+  return with_wiped_stack<kStackDepth>([&] {
+    make_round_keys(out, key, cpu::has(cpu::Feature::kAesni) ? seed_g_aesni : g_tables);
+    return ZEL_OK;
+  });
 }
 
 void SEED_EncryptBlock(void *block, const void *round_keys) {

@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "tests/support/ciphers.hpp"
+#include "tests/support/features.hpp"
+#include "tests/support/own_stack.hpp"
 
 namespace zel::test {
 namespace {
@@ -223,6 +225,43 @@ TEST(KeyObject, LivesThroughLoadingCopyingAndWiping) {
   EXPECT_EQ(Bytes(copy->key_bytes, copy->key_bytes + 24), bytes) << "the copy is its own";
   EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 24, &tdes), ZEL_OK) << "and reloads";
   EXPECT_EQ(std::memcmp(copy->round_keys, key->round_keys, 384), 0);
+}
+
+struct {
+  const CipherRow *row;
+  BCIPHER_KEY *key;
+  std::uint8_t bytes[32];
+} g_load;
+
+// What stays of the key or the schedule on the stack would outlive the key object.
+TEST(KeyObject, LoadingLeavesNothingOnTheStack) {
+  if (!OnOwnStack::kCounts) GTEST_SKIP() << "true of GCC's release";
+  for (std::size_t i = 0; i < sizeof g_load.bytes; ++i)
+    g_load.bytes[i] = static_cast<std::uint8_t>(0x91 * i * i + 0x37 * i + 11);
+  for (const FeatureSet &set : feature_sets()) {
+    const FeatureMask mask(set.mask);
+    for (const CipherRow &row : kCiphers) {
+      if (!row.computes()) continue;
+      SCOPED_TRACE(set.name + ' ' + row.name);
+      const Key key = new_key(*row.descriptor);
+      g_load.row = &row;
+      g_load.key = key.get();
+      std::vector<OnOwnStack> stacks;
+      stacks.emplace_back([] {
+        const BCIPHER_ALGORITHM *const cipher = g_load.row->descriptor;
+        BCIPHER_MakeKey(g_load.key, g_load.bytes, g_load.row->key_len, cipher);
+      });
+      // The schedules of the approved ciphers are called without a key object too.
+      if (row.approved)
+        stacks.emplace_back(
+            [] { g_load.row->descriptor->MakeRoundKey(g_load.key->round_keys, g_load.bytes, 0); });
+      const auto *const keys = static_cast<const std::uint8_t *>(key->round_keys);
+      for (const OnOwnStack &stack : stacks) {
+        EXPECT_FALSE(stack.holds({g_load.bytes, g_load.bytes + row.key_len}));
+        EXPECT_FALSE(stack.holds({keys, keys + 64}));
+      }
+    }
+  }
 }
 
 TEST(KeyObject, RefusalsTouchNothing) {

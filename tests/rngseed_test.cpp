@@ -7,7 +7,6 @@
 #include <sys/time.h>
 #include <sys/utsname.h>
 #include <time.h>
-#include <ucontext.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include <cstring>
 #include <deque>
 
+#include "tests/support/own_stack.hpp"
 #include "tests/support/vectors.hpp"
 #include "zel_cc.h"
 
@@ -360,38 +360,6 @@ TEST(RngSeed, RefusesNullArguments) {
   EXPECT_EQ(len, 7U);
 }
 
-/// A call on a stack of its own, which is searched afterwards.
-class OnOwnStack {
- public:
-  explicit OnOwnStack(void (*body)()) {
-    ucontext_t here, there;
-    if (getcontext(&there) != 0) abort();
-    there.uc_stack.ss_sp = stack_.data();
-    there.uc_stack.ss_size = stack_.size();
-    there.uc_link = &here;
-    makecontext(&there, body, 0);
-    if (swapcontext(&here, &there) != 0) abort();
-  }
-  /// Whether eight successive bytes of `secret` stand there, in their order or as a word does.
-  bool holds(const Bytes &secret) const {
-    for (std::size_t at = 0; at + 8 <= secret.size(); ++at) {
-      Bytes piece(secret.begin() + static_cast<long>(at),
-                  secret.begin() + static_cast<long>(at + 8));
-      if (std::search(stack_.begin(), stack_.end(), piece.begin(), piece.end()) != stack_.end()) {
-        return true;
-      }
-      std::reverse(piece.begin(), piece.end());
-      if (std::search(stack_.begin(), stack_.end(), piece.begin(), piece.end()) != stack_.end()) {
-        return true;
-      }
-    }
-    return false;
-  }
-
- private:
-  Bytes stack_ = Bytes(1 << 16);
-};
-
 struct Contexts {
   HASHDRBG_CONTEXT hash;
   HMACDRBG_CONTEXT hmac;
@@ -399,9 +367,7 @@ struct Contexts {
 
 // What stays of device bytes, V, C and K on the stack would outlive the call that used them.
 TEST(RngSeed, NothingSecretStaysOnTheStack) {
-#if !defined(__OPTIMIZE__) || defined(__clang__) || defined(__SANITIZE_ADDRESS__)
-  GTEST_SKIP() << "what a compiler keeps on the stack is its own affair: true of GCC's release";
-#endif
+  if (!OnOwnStack::kCounts) GTEST_SKIP() << "true of GCC's release";
   static const auto no_data = nullptr;
   static uint8_t out[3000];
   static uint32_t len;
