@@ -7,6 +7,7 @@
 #include "tests/support/ciphers.hpp"
 #include "tests/support/features.hpp"
 #include "tests/support/own_stack.hpp"
+#include "tests/support/short_memory.hpp"
 
 namespace zel::test {
 namespace {
@@ -47,6 +48,18 @@ TEST(Padding, LastByteAloneDecides) {
   EXPECT_EQ(verdict("").code, ZEL_ERR_PADDING);
   EXPECT_EQ(verdict("112233445566770811").code, ZEL_ERR_GENERIC) << "a trailing byte comes first";
   EXPECT_EQ(verdict("112233445566770811").data.size(), 9U);
+}
+
+// tavoold's own rule says how many bytes of the last block are message, up to all sixteen.
+TEST(Padding, OfTavooldMayLeaveAFullBlock) {
+  const Key key = load_key(tavoold, Bytes(16, 3));
+  Bytes plain(32, 0x55);
+  plain.back() = 16;
+  BCIPHER_CONTEXT context = start(ZEL_MODE_ECB, tavoold, {});
+  const Bytes cipher = operate(false, context, key.get(), plain).data;
+  const Result back = operate(true, context, key.get(), cipher, true);
+  EXPECT_EQ(back.code, ZEL_OK);
+  EXPECT_EQ(back.data, plain);
 }
 
 // The order of the checks, each call breaking one rule more than the next, and what stays as it
@@ -225,6 +238,41 @@ TEST(KeyObject, LivesThroughLoadingCopyingAndWiping) {
   EXPECT_EQ(Bytes(copy->key_bytes, copy->key_bytes + 24), bytes) << "the copy is its own";
   EXPECT_EQ(BCIPHER_MakeKey(key.get(), bytes.data(), 24, &tdes), ZEL_OK) << "and reloads";
   EXPECT_EQ(std::memcmp(copy->round_keys, key->round_keys, 384), 0);
+}
+
+TEST(KeyObject, NothingIsHeldWhereMemoryIsShort) {
+  const Key key = load_key(des, Bytes(8, 1));
+  for (const int left : {0, 1}) {
+    const int before = g_held;
+    g_allocations_left = left;
+    const BCIPHER_KEY *const made = BCIPHER_NewKey(&des);
+    g_allocations_left = left;
+    const BCIPHER_KEY *const copied = BCIPHER_DupKey(key.get());
+    g_allocations_left = -1;
+    EXPECT_EQ(made, nullptr);
+    EXPECT_EQ(copied, nullptr);
+    EXPECT_EQ(g_held, before);
+  }
+}
+
+// Eight draws leave a byte zero in all of them once in 2^64.
+TEST(KeyObject, GeneratedKeysFillTheirLength) {
+  for (const std::uint32_t len : {1U, 16U, 33U}) {
+    Bytes seen(len), last;
+    for (int draw = 0; draw < 8; ++draw) {
+      Bytes out(len + 8, 0);
+      EXPECT_EQ(BCIPHER_GenKey(out.data(), len), ZEL_OK);
+      EXPECT_EQ(Bytes(out.begin() + len, out.end()), Bytes(8)) << "behind the key";
+      for (std::size_t i = 0; i < len; ++i)
+        seen[i] |= out[i];
+    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), 0), 0);
+  }
+  // As many bits as 32 bits count and one byte more: nothing may be drawn for a wrapped count.
+  Bytes out(8, 0xcc);
+  EXPECT_EQ(BCIPHER_GenKey(out.data(), 1U << 29), ZEL_ERR_GENERIC);
+  EXPECT_EQ(out, Bytes(8, 0xcc));
+  EXPECT_NE(KZEL_CC_GetState(), ZEL_STATE_ERROR);
 }
 
 struct {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <bit>
 #include <random>
 
+#include "base/bytes.hpp"
 #include "cipher/bulk.hpp"
 #include "tests/support/ciphers.hpp"
 #include "tests/support/features.hpp"
@@ -72,14 +74,15 @@ class EveryCipher : public ::testing::TestWithParam<CipherRow> {
   }
 };
 
-// Every routine has its own unit, its own rest and, for some, its own arithmetic; two units of the
-// widest are 128 blocks. The reference is the block function of a processor that can do nothing.
+// Every routine has its own unit, its own rest and, for some, its own arithmetic; the widest units
+// have 128 blocks, and 256 in DES, where a rest that is long enough fills a unit up. The reference
+// is the block function of a processor that can do nothing.
 TEST_P(EveryCipher, ManyBlocksAreBlocks) {
   const std::size_t len = cipher_.block_len;
   for (const bool special : {false, true}) {
     const auto bytes = special ? special_bytes : random_bytes;
     const Bytes key = bytes(GetParam().key_len);
-    const Bytes plain = bytes(133 * len);
+    const Bytes plain = bytes(612 * len);
     Bytes round_keys, expected = plain;
     {
       // An instruction-only descriptor computes nothing there; its block function is the reference.
@@ -95,7 +98,10 @@ TEST_P(EveryCipher, ManyBlocksAreBlocks) {
       if (!GetParam().computes()) continue;
       SCOPED_TRACE(set.name);
       ASSERT_EQ(to_hex(schedule(cipher_, key)), to_hex(round_keys));
-      for (std::size_t count = 0; count <= 133; count += count < 70 ? 1 : 9) {
+      std::vector<std::size_t> counts = {79, 97, 115, 133, 256 + 72, 256 + 255, 512 + 100};
+      for (std::size_t count = 0; count < 70; ++count)
+        counts.push_back(count);
+      for (const std::size_t count : counts) {
         const bool in_place = count % 2 == 1;
         const Bytes in = slice(plain, 0, count * len), out = slice(expected, 0, count * len);
         ASSERT_EQ(many(false, in, round_keys, in_place), out) << count;
@@ -108,29 +114,84 @@ TEST_P(EveryCipher, ManyBlocksAreBlocks) {
 INSTANTIATE_TEST_SUITE_P(Catalogue, EveryCipher, ::testing::ValuesIn(kCiphers),
                          [](const auto &row) { return std::string(row.param.name); });
 
-// RFC 5794, section 2.2: decryption runs through the encryption function with the keys in reverse
-// order, the inner ones diffused; both lists lie in the buffer as bytes. Key: appendix A.1.
-TEST(RoundKeys, OfAriaAreTwoListsOfBytes) {
-  const Bytes keys = schedule(aria, from_hex("000102030405060708090a0b0c0d0e0f"));
-  EXPECT_EQ(to_hex(slice(keys, 0, 16)), "d415a75c794b85c5e0d2a0b3cb793bf6");
-  EXPECT_EQ(slice(keys, 12 * 16, 16), slice(keys, 13 * 16, 16));
-  EXPECT_EQ(slice(keys, 0, 16), slice(keys, 25 * 16, 16));
-}
-
-// RFC 4269, appendix B.1: the first round keys of the zero key are 7c8f8c7e and c737a22c.
-TEST(RoundKeys, OfSeedAreWordsOfTheMachine) {
+// The first round keys of RFC 5794, appendix A.1, as bytes; RFC 4269, appendix B.1 (7c8f8c7e and
+// c737a22c), as words of the machine; the sub-keys of IDEA, which begin with the key's own words.
+TEST(RoundKeys, BeginAsPublished) {
+  const Bytes key = from_hex("000102030405060708090a0b0c0d0e0f");
+  EXPECT_EQ(to_hex(slice(schedule(aria, key), 0, 16)), "d415a75c794b85c5e0d2a0b3cb793bf6");
   EXPECT_EQ(to_hex(slice(schedule(seed, Bytes(16)), 0, 8)), "7e8c8f7c2ca237c7");
+  const Bytes words = from_hex("00010002000300040005000600070008");
+  EXPECT_EQ(to_hex(slice(schedule(idea, words), 0, 16)), "01000200030004000500060007000800");
 }
 
-// The sub-keys of IDEA begin with the key's own words; the second half deciphers.
-TEST(RoundKeys, OfIdeaAreTwoDirections) {
-  const Bytes keys = schedule(idea, from_hex("00010002000300040005000600070008"));
-  EXPECT_EQ(to_hex(slice(keys, 0, 16)), "01000200030004000500060007000800");
+// In ARIA and IDEA decryption is encryption with the second half. That of ARIA has the keys in
+// reverse order, the inner ones diffused (RFC 5794, section 2.2).
+TEST(RoundKeys, OfTheSecondHalfUndoTheFirst) {
+  for (const auto *const cipher : {&aria, &aria192, &aria256, &idea}) {
+    const Bytes keys = schedule(*cipher, random_bytes(32)), plain = random_bytes(cipher->block_len);
+    const std::size_t half = keys.size() / 2;
+    Bytes block = plain;
+    cipher->EncryptBlock(block.data(), keys.data());
+    cipher->EncryptBlock(block.data(), keys.data() + half);
+    EXPECT_EQ(block, plain);
+    if (cipher == &idea) continue;
+    EXPECT_EQ(slice(keys, 0, 16), slice(keys, keys.size() - 16, 16));
+    EXPECT_EQ(slice(keys, half - 16, 16), slice(keys, half, 16));
+    EXPECT_NE(slice(keys, 16, 16), slice(keys, keys.size() - 32, 16));
+  }
+}
+
+TEST(RoundKeys, OfTripleDesAreThreeSchedulesOfDes) {
+  const Bytes key = random_bytes(24);
+  Bytes expected;
+  for (std::size_t at = 0; at < 24; at += 8) {
+    const Bytes one = schedule(des, slice(key, at, 8));
+    expected.insert(expected.end(), one.begin(), one.end());
+  }
+  EXPECT_EQ(schedule(tdes, key), expected);
+}
+
+// Schneier, 1993: 18 words of P, then four boxes of 256, read by the shortest form of the cipher.
+TEST(RoundKeys, OfBlowfishAreThePArrayAndFourBoxes) {
+  const Bytes keys = schedule(blowfish, random_bytes(16));
   Bytes block = random_bytes(8);
-  const Bytes plain = block;
-  idea.EncryptBlock(block.data(), keys.data());
-  idea.EncryptBlock(block.data(), keys.data() + 112);
-  EXPECT_EQ(block, plain);
+  const auto word = [&keys](std::size_t i) { return load_le32(&keys[4 * i]); };
+  std::uint32_t left = load_be32(&block[0]), right = load_be32(&block[4]);
+  for (std::size_t round = 0; round < 16; ++round) {
+    left ^= word(round);
+    right ^= ((word(18 + (left >> 24)) + word(274 + (left >> 16 & 255))) ^
+              word(530 + (left >> 8 & 255))) +
+             word(786 + (left & 255));
+    std::swap(left, right);
+  }
+  blowfish.EncryptBlock(block.data(), keys.data());
+  EXPECT_EQ(load_be32(&block[0]), right ^ word(17));
+  EXPECT_EQ(load_be32(&block[4]), left ^ word(16));
+}
+
+// RFC 2040, section 6.2: 26 words; the first two whiten, two more go into each round.
+TEST(RoundKeys, OfRc5AreTwoWordsARound) {
+  const Bytes keys = schedule(rc5, random_bytes(16));
+  Bytes block = random_bytes(8);
+  const auto word = [&keys](std::size_t i) { return load_le32(&keys[4 * i]); };
+  std::uint32_t a = load_le32(&block[0]) + word(0), b = load_le32(&block[4]) + word(1);
+  for (std::size_t round = 1; round <= 12; ++round) {
+    a = std::rotl(a ^ b, static_cast<int>(b & 31)) + word(2 * round);
+    b = std::rotl(b ^ a, static_cast<int>(a & 31)) + word(2 * round + 1);
+  }
+  rc5.EncryptBlock(block.data(), keys.data());
+  EXPECT_EQ(load_le32(&block[0]), a);
+  EXPECT_EQ(load_le32(&block[4]), b);
+}
+
+// RFC 2268, section 2: of a key of 128 bytes the expansion changes the first one alone, through the
+// table whose first entry is d9; 64 little-endian words are the bytes in their order.
+TEST(RoundKeys, OfRc2AreTheExpandedBytes) {
+  Bytes key = random_bytes(128);
+  key[0] = 0;
+  const Bytes keys = schedule(rc2, key);
+  key[0] = 0xd9;
+  EXPECT_EQ(keys, key);
 }
 
 // Rotation keys stand behind the masking keys and are reduced to what they rotate by.

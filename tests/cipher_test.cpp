@@ -6,6 +6,7 @@
 #include <cstring>
 #include <map>
 
+#include "base/cpu.hpp"
 #include "tests/support/ciphers.hpp"
 #include "tests/support/features.hpp"
 
@@ -34,35 +35,63 @@ TEST(Catalogue, SchedulesFillTheirLengthAtAnyAddress) {
       Bytes key(row.key_len);
       for (std::size_t i = 0; i < key.size(); ++i)
         key[i] = static_cast<std::uint8_t>(17 * i + 3);
-      Bytes blocks[4];
+      Bytes first_keys, first_block;
       for (std::size_t offset = 0; offset < 4; ++offset) {
-        Bytes room(offset + row.round_keys_len + 16, 0xa5);
+        const auto filler = static_cast<std::uint8_t>(0xa5 + offset);
+        Bytes room(offset + row.round_keys_len + 16, filler);
         EXPECT_EQ(row.descriptor->MakeRoundKey(room.data() + offset, key.data(), row.key_len), 0);
-        EXPECT_TRUE(std::all_of(room.end() - 16, room.end(), [](int b) { return b == 0xa5; }));
-        Bytes &block = blocks[offset];
-        block.assign(row.block_len + offset, 0x5a);
-        row.descriptor->EncryptBlock(block.data() + offset, room.data() + offset);
+        const auto keys = room.begin() + static_cast<std::ptrdiff_t>(offset);
+        EXPECT_EQ(Bytes(room.begin(), keys), Bytes(offset, filler));
+        EXPECT_EQ(Bytes(keys + row.round_keys_len, room.end()), Bytes(16, filler));
+        Bytes block(offset + row.block_len, 0x5a);
+        row.descriptor->EncryptBlock(&block[offset], &*keys);
         block.erase(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(offset));
-        EXPECT_EQ(block, blocks[0]);
+        if (offset == 0) {
+          first_keys.assign(keys, keys + row.round_keys_len);
+          first_block = block;
+        }
+        EXPECT_EQ(Bytes(keys, keys + row.round_keys_len), first_keys) << "some of it is not filled";
+        EXPECT_EQ(block, first_block);
       }
     }
   }
 }
 
+/// The product in the field of FIPS 197, section 4.2.
+std::uint8_t product(unsigned x, unsigned y) {
+  unsigned sum = 0;
+  for (; y != 0; y >>= 1, x = x << 1 ^ (x >> 7) * 0x11b)
+    if ((y & 1) != 0) sum ^= x;
+  return static_cast<std::uint8_t>(sum);
+}
+
 // FIPS 197, section 5.3.5: the second half holds the first half with InvMixColumns applied to all
-// but the first and the last round key. In the test key's schedule (appendix A.1) w[4] = a0fafe17.
+// but the first and the last round key. The first half begins with the key; the word behind it is
+// that of appendices A.1 and A.3.
 TEST(Catalogue, AesSchedulesHoldWordsAsBytes) {
-  const Bytes key = from_hex("2b7e151628aed2a6abf7158809cf4f3c");
+  const struct {
+    const BCIPHER_ALGORITHM *cipher;
+    std::string key, next;
+  } rows[] = {{&rijndael, "2b7e151628aed2a6abf7158809cf4f3c", "a0fafe17"},
+              {&rijndael256, "603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4",
+               "9ba35411"}};
   for (const FeatureSet &set : feature_sets()) {
     const FeatureMask mask(set.mask);
-    Bytes schedule(352);
-    RIJNDAEL_MakeRoundKey(schedule.data(), key.data(), 16);
-    EXPECT_EQ(to_hex({schedule.begin(), schedule.begin() + 20}),
-              "2b7e151628aed2a6abf7158809cf4f3ca0fafe17");
-    const auto half = schedule.begin() + 176;
-    EXPECT_TRUE(std::equal(half, half + 16, schedule.begin()));
-    EXPECT_TRUE(std::equal(half + 160, half + 176, schedule.begin() + 160));
-    EXPECT_EQ(to_hex({half + 16, half + 32}), "2b3708a7f262d405bc3ebdbf4b617d62");
+    for (const auto &[cipher, key, next] : rows) {
+      Bytes schedule(cipher->round_keys_len);
+      cipher->MakeRoundKey(schedule.data(), from_hex(key).data(), 0);
+      EXPECT_EQ(to_hex(schedule).substr(0, key.size() + 8), key + next);
+      const std::size_t half = schedule.size() / 2;
+      Bytes expected = schedule;
+      std::copy_n(expected.begin(), half, expected.begin() + static_cast<std::ptrdiff_t>(half));
+      for (std::size_t i = 16; i < half - 16; ++i) {
+        const std::uint8_t *const column = &schedule[i / 4 * 4];
+        expected[half + i] = static_cast<std::uint8_t>(
+            product(column[i % 4], 14) ^ product(column[(i + 1) % 4], 11) ^
+            product(column[(i + 2) % 4], 13) ^ product(column[(i + 3) % 4], 9));
+      }
+      EXPECT_EQ(to_hex(schedule), to_hex(expected));
+    }
   }
 }
 
@@ -244,7 +273,8 @@ TEST(Aesni, ComputesOnlyWhenTheProcessorTestSaysSo) {
   for (const FeatureSet &set : feature_sets()) {
     const FeatureMask mask(set.mask);
     SCOPED_TRACE(set.name);
-    const bool there = Check_CPU_support_AES() == 1;
+    const bool there = ZEL_WITH_AESNI && cpu::has(cpu::Feature::kAesni);
+    EXPECT_EQ(Check_CPU_support_AES(), there ? 1 : 0);
     const Bytes key(32, 0x42);
     Bytes schedule(480, 0xa5), same(480), block(16, 0x11), expected(16, 0x11);
     EXPECT_EQ(RIJNDAEL256_MakeRoundKey_AESNI(schedule.data(), key.data(), 32),

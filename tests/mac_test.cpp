@@ -2,34 +2,13 @@
 // contexts that were never started or are spent. With every processor feature masked.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <map>
 
 #include "tests/support/ciphers.hpp"
 #include "tests/support/features.hpp"
 #include "tests/support/hashes.hpp"
-
-namespace {
-int g_allocations_left = -1;  ///< until memory is short; negative for never
-int g_held = 0;               ///< blocks of memory
-}  // namespace
-extern "C" {
-void *__real_calloc(std::size_t count, std::size_t size);
-void __real_free(void *block);
-void *__wrap_calloc(std::size_t count, std::size_t size);
-void __wrap_free(void *block);
-void *__wrap_calloc(std::size_t count, std::size_t size) {
-  if (g_allocations_left == 0) return nullptr;
-  if (g_allocations_left > 0) --g_allocations_left;
-  ++g_held;
-  return __real_calloc(count, size);
-}
-void __wrap_free(void *block) {
-  g_held -= block != nullptr ? 1 : 0;
-  __real_free(block);
-}
-}
+#include "tests/support/short_memory.hpp"
 
 namespace zel::test {
 namespace {

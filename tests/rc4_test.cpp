@@ -28,7 +28,7 @@ TEST(Rc4, PublishedKeyStreams) {
 }
 
 // Pieces of every length up to 40, then long ones: the state must hold everything between calls,
-// and XOR in place must use the same stream.
+// and XOR, in place or from one buffer to another, must use the same stream.
 TEST(Rc4, PiecesMakeOneStream) {
   const Bytes key = from_hex("0102030405");
   Bytes whole(6000);
@@ -36,15 +36,19 @@ TEST(Rc4, PiecesMakeOneStream) {
   RC4_crypt_core(whole.data(), 6000, &one);
 
   RC4_STATE pieces = started(key);
-  Bytes data(6000, 0x33);
+  const Bytes plain(6000, 0x33);
+  Bytes data = plain;
   std::size_t at = 0;
   for (std::size_t len = 0; at < data.size(); len = len < 40 ? len + 1 : 1000) {
     const std::size_t now = std::min(len, data.size() - at);
-    RC4_crypt(data.data() + at, data.data() + at, static_cast<std::int32_t>(now), &pieces);
+    if (len % 2 == 0) std::fill_n(&data[at], now, 0xee);
+    const std::uint8_t *const in = (len % 2 == 0 ? plain : data).data() + at;
+    RC4_crypt(data.data() + at, in, static_cast<std::int32_t>(now), &pieces);
     at += now;
   }
   for (std::size_t i = 0; i < data.size(); ++i)
     ASSERT_EQ(data[i], whole[i] ^ 0x33) << i;
+  EXPECT_EQ(plain, Bytes(6000, 0x33));
   EXPECT_EQ(std::memcmp(&one, &pieces, sizeof one), 0);
   EXPECT_EQ(one.i, 6000 % 256);
 }

@@ -97,12 +97,22 @@ static void refuses(const HASH_ALGORITHM *descriptor, const char *what) {
   check(HASH_InitializeEx(&context, descriptor) == ZEL_ERR_APPROVED, what);
 }
 
+#ifdef OWN_NAMES
+/* A cipher that is the program's, under the name of one that is approved. */
+static int32_t no_schedule(void *round_keys, const uint8_t *key, uint32_t key_len) {
+  (void)round_keys, (void)key, (void)key_len;
+  return 0;
+}
+static void no_cipher(void *block, const void *round_keys) { (void)block, (void)round_keys; }
+const BCIPHER_ALGORITHM aria192 = {16, 480, no_schedule, no_cipher, no_cipher, NULL, NULL};
+#endif
+
 static const uint8_t kAriaIn[16] = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77,
                                     0x88, 0x99, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
 static const uint8_t kSeedIn[16] = {0};
 
 int main(void) {
-  uint8_t not_approved[8] = {0};
+  uint8_t not_approved[16] = {0};
   check(SELFTEST_VerifiedAlgorithm() == ZEL_OK, "self-tests");
   check(KZEL_CC_SetStateVerifiedService() == ZEL_STATE_VERIFIED, "verified service");
   hashes(&sha384,
@@ -129,6 +139,9 @@ int main(void) {
   enciphers(&aria, kAriaIn, "d718fbd6ab644c739da95f3be6451778", "ARIA");
   enciphers(OBJECT(seed), kSeedIn, "c11f22f20140505084483597e4370f43", "SEED");
   check(encipher(OBJECT(des), not_approved, 8) == ZEL_ERR_APPROVED, "DES is refused");
+#ifdef OWN_NAMES
+  check(encipher(&aria192, not_approved, 16) == ZEL_ERR_APPROVED, "the program's own cipher");
+#endif
   refuses(&popsha1, "SHA-1 is refused");
   refuses(&popmd5, "MD5 is refused");
 #ifdef LIBCRYPTO_FIRST

@@ -67,6 +67,10 @@ Answers ungated() {
   return answers([](std::int32_t) { return Expected{}; });
 }
 
+Answers works() {
+  return answers([](std::int32_t) { return Expected{Expected::Kind::kChanges, 0}; });
+}
+
 Answers gives(const std::array<std::int64_t, kStates.size()> &values) {
   Answers all;
   for (std::size_t i = 0; i < kStates.size(); ++i)
@@ -83,6 +87,9 @@ std::string complaint(const Expected &expected, const Outcome &outcome) {
       return outcome.touched ? "refused, but touched its arguments" : "";
     case Expected::Kind::kGives:
       return outcome.result == expected.value ? "" : got + ", expected " + wanted;
+    case Expected::Kind::kChanges:
+      if (!outcome.touched) return "changed nothing";
+      [[fallthrough]];
     case Expected::Kind::kServes:
       if (outcome.is_void) return outcome.touched ? "" : "did nothing";
       return outcome.result == ZEL_ERR_STATE || outcome.result == ZEL_ERR_APPROVED ? got : "";

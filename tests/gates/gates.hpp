@@ -40,6 +40,7 @@ inline constexpr std::array<std::int32_t, 8> kStates{-98, -1, 0, 1, 2, 3, 4, 5};
 struct Expected {
   enum class Kind {
     kServes,   ///< anything but a refusal; a function without a result changes something
+    kChanges,  ///< the same, and it changes something whatever it gives
     kRefuses,  ///< gives `value` (null and void count as 0) and touches nothing
     kGives,    ///< gives `value`, whatever it touches
   };
@@ -62,6 +63,8 @@ Answers state_value();
 Answers not_approved(Answers answers, std::int64_t value = ZEL_ERR_APPROVED);
 /// Runs in every state.
 Answers ungated();
+/// Runs in every state and changes what it is given.
+Answers works();
 /// One result a state, in the order of kStates.
 Answers gives(const std::array<std::int64_t, kStates.size()> &values);
 

@@ -177,8 +177,14 @@ def cases():
 def lines():
     yield "# tavo and tavoold: one block, and the padding of tavoold"
     yield "# Source: tests/models/tavo_model.py, which is written from docs/tavo.md."
+    yield "# round_keys: the 256 bytes of a little-endian machine."
     yield "# iterated: the block enciphered 1000 times under the same key."
     for name, cipher in (("tavo", TAVO), ("tavoold", TAVOOLD)):
+        key = bytes(range(16))
+        q, e, w = cipher.schedule(key)
+        longs = b"".join(x.to_bytes(4, "little") for x in (*q, *w))
+        words = b"".join(x.to_bytes(2, "little") for x in e)
+        yield f"\nalg = {name}\nkey = {key.hex()}\nround_keys = {(longs[:32] + words + longs[32:]).hex()}"
         for key, block in cases():
             out = cipher.encrypt(key, block)
             assert cipher.decrypt(key, out) == block
