@@ -163,6 +163,114 @@ ZEL_API int32_t SELFTEST_HMAC_SHA384(void);
 ZEL_API int32_t SELFTEST_HMAC_SHA512(void);
 
 /**
+ * Tests CMAC over ARIA-128 with a message of 6 bytes.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CMAC_ARIA128  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CMAC_ARIA128(void);
+
+/**
+ * Tests CMAC over ARIA-192 with a message of 6 bytes.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CMAC_ARIA192  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CMAC_ARIA192(void);
+
+/**
+ * Tests CMAC over ARIA-256 with a message of 6 bytes.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CMAC_ARIA256  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CMAC_ARIA256(void);
+
+/**
+ * Tests CMAC over SEED with a message of 6 bytes.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CMAC_SEED  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CMAC_SEED(void);
+
+/**
+ * Tests GCM over ARIA-128: a message of 16 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_GCM_ARIA128  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_GMAC_ARIA128(void);
+
+/**
+ * Tests GCM over ARIA-192: a message of 16 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_GCM_ARIA192  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_GMAC_ARIA192(void);
+
+/**
+ * Tests GCM over ARIA-256: a message of 16 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_GCM_ARIA256  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_GMAC_ARIA256(void);
+
+/**
+ * Tests GCM over SEED: a message of 16 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_GCM_SEED  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_GMAC_SEED(void);
+
+/**
+ * Tests CCM over ARIA-128: messages with tags of 4 and 14 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CCM_ARIA128  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CCM_ARIA128(void);
+
+/**
+ * Tests CCM over ARIA-192: messages with tags of 4 and 14 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CCM_ARIA192  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CCM_ARIA192(void);
+
+/**
+ * Tests CCM over ARIA-256: messages with tags of 4 and 14 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CCM_ARIA256  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CCM_ARIA256(void);
+
+/**
+ * Tests CCM over SEED: messages with tags of 4 and 14 bytes, encrypted.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KAT_CCM_SEED  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_CCM_SEED(void);
+
+/**
  * Tests Hash_DRBG over SHA-224: fixed entropy and nonce, two requests of 128 bytes.
  *
  * @retval ZEL_OK  all answers right
