@@ -72,6 +72,9 @@ Command decrypt_command();
 Command raw_command();
 Command rand_command();
 Command prime_command();
+Command split_command();
+Command combine_command();
+Command reissue_command();
 Command integrity_command();
 Command info_command();
 /// These two describe the other commands.

@@ -124,7 +124,8 @@ std::string read_whole(Input &input, const std::string &path, std::size_t limit)
     content.resize(len + got);
     if (content.size() > limit) {
       throw Failure(Exit::kMalformed, path,
-                    "longer than " + std::to_string(limit) + " bytes, which cannot be meant");
+                    "longer than " + std::to_string(limit) + " bytes, which cannot be meant",
+                    "name the right file");
     }
     if (got == 0) return content;
   }

@@ -11,6 +11,9 @@ int main(int argc, char **argv) {
   commands.push_back(raw_command());
   commands.push_back(rand_command());
   commands.push_back(prime_command());
+  commands.push_back(split_command());
+  commands.push_back(combine_command());
+  commands.push_back(reissue_command());
   commands.push_back(integrity_command());
   commands.push_back(info_command());
   commands.push_back(completion_command(commands));
