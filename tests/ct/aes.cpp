@@ -1,7 +1,9 @@
-// AES: neither the key schedule nor a block depends on key or data in its time.
+// The modes, over AES, and over ARIA and SEED with AES instructions: neither the key schedule nor a
+// message depends on key or data in its time.
 #include <cstdint>
 #include <cstring>
 
+#include "base/cpu.hpp"
 #include "tests/ct/probe.hpp"
 #include "zel_cc.h"
 
@@ -16,7 +18,7 @@ void every_operation(const BCIPHER_ALGORITHM &descriptor, std::uint32_t key_len)
   secret(data, sizeof data);
   BCIPHER_KEY *const key = BCIPHER_NewKey(&descriptor);
   BCIPHER_MakeKey(key, key_bytes, key_len, &descriptor);
-  for (const std::uint8_t mode : {ZEL_MODE_ECB, ZEL_MODE_CBC, ZEL_MODE_CTR, ZEL_MODE_CFB_STREAM}) {
+  for (std::uint8_t mode = ZEL_MODE_ECB; mode <= ZEL_MODE_CFB_STREAM; ++mode) {
     for (const auto call : {BCIPHER_Encrypt, BCIPHER_Decrypt}) {
       BCIPHER_CONTEXT context;
       std::uint32_t len = 0;
@@ -25,15 +27,21 @@ void every_operation(const BCIPHER_ALGORITHM &descriptor, std::uint32_t key_len)
     }
   }
   open(data, sizeof data);
-  require(std::memcmp(data, plain, sizeof data) == 0, "AES there and back");
+  require(std::memcmp(data, plain, sizeof data) == 0, "a message there and back");
   BCIPHER_WipeKey(key);
   BCIPHER_DelKey(key);
 }
 
-const Probe kAes{"AES", [] {
+const Probe kAes{"the modes over AES", [] {
                    every_operation(rijndael, 16);
                    every_operation(rijndael256, 32);
                  }};
+const Probe kApproved{"the modes over ARIA and SEED with AES instructions", [] {
+                        if (!cpu::has(cpu::Feature::kAesni)) return;
+                        every_operation(aria, 16);
+                        every_operation(aria256, 32);
+                        every_operation(seed, 16);
+                      }};
 
 }  // namespace
 }  // namespace zel::test

@@ -60,21 +60,29 @@ const Probe kTables{"ARIA and SEED by tables",
                     },
                     true};
 const Probe kRc5{"RC5", [] { forth_and_back(rc5, 16, 70); }};
-// Its key schedule and its single blocks branch where a factor is zero; many blocks do not.
-const Probe kIdea{"IDEA, many blocks with AVX2", [] {
-                    if (!cpu::has(cpu::Feature::kAvx2)) return;
-                    const Buffer plain = numbers();
-                    Buffer blocks = plain, round_keys;
-                    IDEA_MakeRoundKey(round_keys.data(), plain.data(), 16);
-                    secret(round_keys);
-                    secret(blocks);
-                    const bulk::Cipher keyed(8, IDEA_EncryptBlock, IDEA_DecryptBlock,
-                                             round_keys.data());
-                    keyed.encrypt(blocks.data(), blocks.data(), 70);
-                    keyed.decrypt(blocks.data(), blocks.data(), 70);
-                    open(blocks);
-                    require(blocks == plain, "blocks of IDEA forth and back");
-                  }};
+
+/// Blocks under a secret schedule, where only many at a time are in constant time: IDEA branches in
+/// its key schedule and single blocks, DES looks up tables in single ones.
+template <const BCIPHER_ALGORITHM &kCipher, std::size_t kCount>
+void many_blocks() {
+  if (!cpu::has(cpu::Feature::kAvx2)) return;
+  const Buffer plain = numbers();
+  Buffer blocks = plain, round_keys;
+  kCipher.MakeRoundKey(round_keys.data(), plain.data(), 24);
+  secret(round_keys);
+  secret(blocks);
+  const bulk::Cipher keyed(kCipher.block_len, kCipher.EncryptBlock, kCipher.DecryptBlock,
+                           round_keys.data());
+  keyed.encrypt(blocks.data(), blocks.data(), kCount);
+  keyed.decrypt(blocks.data(), blocks.data(), kCount);
+  open(blocks);
+  require(blocks == plain, "many blocks forth and back");
+}
+
+const Probe kIdea{"IDEA, many blocks with AVX2", many_blocks<idea, 70>};
+// A whole unit, and a rest that fills another.
+const Probe kDes{"DES in slices with AVX2", many_blocks<des, 256 + 72>};
+const Probe kTdes{"triple DES in slices with AVX2", many_blocks<tdes, 256 + 255>};
 const Probe kBlowfish{"Blowfish", [] { forth_and_back(blowfish, 16, 9); }, true};
 
 /// Key, message and tag are secret. The nonce has 12 bytes: where a hashed one makes the counter
