@@ -131,7 +131,8 @@ void multiply_by_bits(std::uint8_t *z, const std::uint8_t *x, const std::uint8_t
   std::memset(*product, 0, len);
   std::memcpy(*shifted, y, len);
   for (std::size_t i = 0; i < len * kBitsPerByte; ++i) {
-    const unsigned bit = (x[i / kBitsPerByte] >> (kBitsPerByte - 1 - i % kBitsPerByte)) & 1U;
+    const unsigned bit =
+        (unsigned{x[i / kBitsPerByte]} >> (kBitsPerByte - 1 - i % kBitsPerByte)) & 1U;
     const unsigned take = ct::mask_of_bit(bit);
     unsigned fell_out = 0;
     for (std::size_t j = 0; j < len; ++j) {
