@@ -1,10 +1,12 @@
-// Pairwise tests of new key pairs: what one key does the other undoes. They work in whatever state
-// the module is; a failure leaves it in its error state.
+// Pairwise tests of new key pairs: what one key does the other undoes. The RSA tests work in
+// whatever state the module is, that of KCDSA in the self-test state; a failure leaves it in its
+// error state.
 #include <cstring>
 
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
 #include "hash/algorithms.hpp"
+#include "zel_cc/kcdsa.h"
 #include "zel_cc/rsa_oaep.h"
 #include "zel_cc/selftest.h"
 
@@ -27,6 +29,7 @@ struct Text {
 
 constexpr Text kEncrypted{"This is a test."};
 constexpr Text kSignedPss{"This is a test message for RSASSA-PSS usage!"};
+constexpr Text kSignedKcdsa{"This is a test message for KCDSA usage!"};
 constexpr Text kSignedPkcs1{"This is a test message."};
 
 bool encrypts(const RSA_PRIVATE_KEY *private_key, const RSA_PUBLIC_KEY *public_key) noexcept {
@@ -76,4 +79,20 @@ int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSASSA_PKCS1_V15(const RSA_PRIVATE_KEY *pri
                       RSA_SSA_V(&signature, kSignedPkcs1.data(), kSignedPkcs1.len(), public_key,
                                 nullptr, &zel_own_popsha1) == ZEL_OK;
   return verdict(passed, ZEL_ERR_RSASSA_PKCS1_TEST);
+}
+
+int32_t CONDITIONAL_SELFTEST_KEYPAIR_KCDSA(const MINT *private_key, const MINT *public_key,
+                                           const KCDSA_PARAM *param) {
+  if (!gate::self_test_allowed()) return ZEL_ERR_STATE;
+  KZEL_CC_SetStateConditionalSelfTest();
+  constexpr std::uint32_t kLen = kSignedKcdsa.len() - 1;  // without the zero byte
+  const bool is_224 = param != nullptr && MINT_GetBitLength(&param->q) == 224;
+  const HASH_ALGORITHM *const hash = is_224 ? &zel_own_sha224 : &zel_own_sha256;
+  KCDSA_SIGNATURE_BODY signature;
+  const bool passed =
+      KCDSA_SSA_S(&signature, kSignedKcdsa.data(), kLen, private_key, param, hash, public_key) ==
+          ZEL_OK &&
+      KCDSA_SSA_V(&signature, kSignedKcdsa.data(), kLen, public_key, param, hash) == ZEL_OK;
+  if (passed) KZEL_CC_SetPreStateConditionalSelfTest();
+  return verdict(passed, ZEL_ERR_KCDSA_TEST);
 }

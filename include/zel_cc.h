@@ -18,6 +18,7 @@
 #include "zel_cc/hmacdrbg.h"
 #include "zel_cc/legacy_rng.h"
 #include "zel_cc/integrity.h"
+#include "zel_cc/kcdsa.h"
 #include "zel_cc/known_answer.h"
 #include "zel_cc/keyshare.h"
 #include "zel_cc/mac.h"

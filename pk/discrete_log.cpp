@@ -43,20 +43,33 @@ bool Group::is_power(const MINT &y, const MINT &e) const noexcept {
   return fits(e) && power(power_of_e, e) && MINT_Compare(&y, &power_of_e) == 0;
 }
 
-bool Group::holds(const MINT &y) const noexcept {
+bool Group::has_order_q(const MINT &a) const noexcept {
   constexpr std::uint32_t kWindow = 4;
   MINT power_of_q;
   MINT one;
   MINT_SetByInteger(&one, 1);
-  return fits(y) && MINT_Compare(&y, &p) < 0 &&
-         MINT_ExpWin(&power_of_q, &y, &q, &p, kWindow) == ZEL_OK &&
+  return fits(a) && MINT_ExpWin(&power_of_q, &a, &q, &p, kWindow) == ZEL_OK &&
          MINT_Compare(&power_of_q, &one) == 0;
+}
+
+bool Group::holds(const MINT &y) const noexcept {
+  return MINT_Compare(&y, &p) < 0 && has_order_q(y);
 }
 
 RandHash::RandHash() noexcept : serves_(gate::serving()) {
   std::uint32_t len = 0;
   RNGSEED_GetSeed(context_->X, &len, 8 * sizeof context_->X);
   RANDHASH_Initialize(&*context_);
+}
+
+bool fill_from_drbg(std::uint8_t *out, std::uint32_t bits) noexcept {
+  // Outputs of few bytes repeat by chance, which would put the module in its error state.
+  constexpr std::uint32_t kFewest = 128;
+  Wiped<std::array<std::uint8_t, ZEL_MINT_BYTES>> bytes;
+  bytes->fill(0);
+  const bool done = HASHDRBG_GetRandNum(bytes->data(), std::max(bits, kFewest)) == ZEL_OK;
+  std::memcpy(out, bytes->data(), byte_len(bits));
+  return done;
 }
 
 bool is_usable(const HASH_ALGORITHM &hash) noexcept {

@@ -39,7 +39,9 @@ struct Group {
   [[nodiscard]] bool power(MINT &r, const MINT &e) const noexcept;
   /// Whether y = g^e mod p for a secret e.
   bool is_power(const MINT &y, const MINT &e) const noexcept;
-  /// Whether y < p and y^q = 1 mod p.
+  /// Whether a^q = 1 mod p.
+  bool has_order_q(const MINT &a) const noexcept;
+  /// The same, and y < p.
   bool holds(const MINT &y) const noexcept;
 };
 
@@ -60,6 +62,9 @@ class RandHash {
   Wiped<RANDHASH_CONTEXT> context_;
   bool serves_;
 };
+
+/// Random bits from Hash_DRBG in as many bytes as they begin. False where it fails.
+[[nodiscard]] bool fill_from_drbg(std::uint8_t *out, std::uint32_t bits) noexcept;
 
 /// A hash value where the scheme reads it: as long as the descriptor says, whatever was given.
 using Digest = std::array<std::uint8_t, ZEL_MAX_DIGEST_LEN>;

@@ -31,13 +31,6 @@ Case some_case() {
   throw std::runtime_error("no such case");
 }
 
-/// A stream over the message, closed with its scope.
-struct Stream {
-  explicit Stream(Bytes &bytes) : file(fmemopen(bytes.data(), bytes.size(), "rb")) {}
-  ~Stream() { fclose(file); }
-  FILE *file;
-};
-
 TEST(Dsa, VerifiesWhatIsPublished) {
   for (const Vector &v : read_vectors("dsa")) {
     const int32_t got = Case(v).verify();

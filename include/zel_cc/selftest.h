@@ -11,6 +11,7 @@
 
 #include "zel_cc/base.h"
 #include "zel_cc/errors.h"
+#include "zel_cc/kcdsa.h"
 #include "zel_cc/rsa.h"
 
 ZEL_BEGIN_DECLS
@@ -106,6 +107,23 @@ ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSASSA_PSS(const RSA_PRIVATE_KEY *p
  */
 ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_RSASSA_PKCS1_V15(const RSA_PRIVATE_KEY *private_key,
                                                               const RSA_PUBLIC_KEY *public_key);
+
+/**
+ * Pairwise test of a new KCDSA key pair: a message signed with the private key must verify with the
+ * public one. The hash is SHA-224 for q of 224 bits, else SHA-256.
+ *
+ * The module passes through the self-test state.
+ *
+ * @param[in] private_key  x
+ * @param[in] public_key   y
+ * @param[in] param        their domain parameters
+ * @retval ZEL_OK              the pair works
+ * @retval ZEL_ERR_KCDSA_TEST  it does not, or an argument is null: the module is now in its error
+ *                             state
+ * @retval ZEL_ERR_STATE       module not serving; nothing touched
+ */
+ZEL_API int32_t CONDITIONAL_SELFTEST_KEYPAIR_KCDSA(const MINT *private_key, const MINT *public_key,
+                                                   const KCDSA_PARAM *param);
 
 ZEL_END_DECLS
 

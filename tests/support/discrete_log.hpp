@@ -1,5 +1,5 @@
 // What the tests of DSA and KCDSA share: records from vectors, and random bytes that the test
-// chooses (the linker sends RANDHASH_GetRandomNum to draws.cpp by --wrap).
+// chooses (the linker sends the generators' calls to draws.cpp by --wrap).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,8 +14,10 @@
 
 namespace zel::test {
 
-/// What the next draws bring; when it is empty they are random.
+/// What the next draws from RANDHASH bring; when it is empty they are random.
 inline std::deque<Bytes> g_draws;
+/// All that Hash_DRBG brings meanwhile.
+inline constexpr uint8_t kDrbgByte = 0x5a;
 
 inline MINT number_of(const Bytes &bytes) {
   MINT a = {};
@@ -50,12 +52,19 @@ inline const HASH_ALGORITHM *hash_of(const std::string &name) {
 
 inline uint32_t size_of(const Bytes &bytes) { return static_cast<uint32_t>(bytes.size()); }
 
+/// A stream over a message, closed with its scope.
+struct Stream {
+  explicit Stream(Bytes &bytes) : file(fmemopen(bytes.data(), bytes.size(), "rb")) {}
+  ~Stream() { fclose(file); }
+  FILE *file;
+};
+
 /// Numbers that no caller should pass, in the place of a good one.
 inline std::vector<MINT> hostile_numbers(const MINT &good) {
   MINT zero = {}, zero_words = {}, one = {}, even = good, wild = good, largest = {};
   zero_words.length = 3;
   MINT_SetByInteger(&one, 1);
-  even.words[0] &= ~1U;
+  even.words[0] = (good.words[0] & ~1U) ^ 2;
   wild.length = 0xfffffff0;
   p_max(&largest, ZEL_MINT_BITS);
   return {zero, zero_words, one, even, wild, largest};

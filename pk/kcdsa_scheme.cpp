@@ -1,0 +1,46 @@
+// The two descriptors of KCDSA.
+#include "zel_cc/kcdsa.h"
+
+constinit const PKCRYPT_ALGORITHM p_kcdsa1 = {
+    .SignExtra = KCDSA_SSA_S,
+    .Verify = KCDSA_SSA_V,
+    .SignFileExtra = KCDSA_SSA_S_File,
+    .VerifyFile = KCDSA_SSA_V_File,
+    .Encrypt = nullptr,
+    .Decrypt = nullptr,
+    .GenParam = KCDSA_GenParam,
+    .GenKey = KCDSA_GenKey,
+    .CheckParam = KCDSA_CheckParam,
+    .CheckKey = KCDSA_CheckKey,
+    .CheckKeyPair = KCDSA_CheckKeyPair,
+    .PriKeySize = sizeof(MINT),
+    .PubKeySize = sizeof(MINT),
+    .ParamSize = sizeof(KCDSA_PARAM),
+    .SignatureSize = sizeof(KCDSA_SIGNATURE_BODY),
+    .Type = PKCRYPT_TYPE_SIGNER_KEY,
+    .zero = 0,
+    .SignHashExtra = KCDSA_SSA_S_Hash,
+    .VerifyHash = KCDSA_SSA_V_Hash,
+};
+
+constinit const PKCRYPT_ALGORITHM popkcdsa = {
+    .SignExtra = KCDSA_SSA_S0,
+    .VerifyExtra = KCDSA_SSA_V0,
+    .SignFileExtra = KCDSA_SSA_S0_File,
+    .VerifyFileExtra = KCDSA_SSA_V0_File,
+    .Encrypt = nullptr,
+    .Decrypt = nullptr,
+    .GenParam = KCDSA_GenParam,
+    .GenKey = KCDSA_GenKey,
+    .CheckParam = KCDSA_CheckParam,
+    .CheckKey = KCDSA_CheckKey,
+    .CheckKeyPair = KCDSA_CheckKeyPair,
+    .PriKeySize = sizeof(MINT),
+    .PubKeySize = sizeof(MINT),
+    .ParamSize = sizeof(KCDSA_PARAM),
+    .SignatureSize = sizeof(KCDSA_SIGNATURE_BODY),
+    .Type = PKCRYPT_TYPE_EXTRA,
+    .zero = 0,
+    .SignHash = nullptr,
+    .VerifyHash = nullptr,
+};
