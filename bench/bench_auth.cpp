@@ -22,6 +22,17 @@ void seal(const CipherNames &cipher, std::uint8_t mode, const char *name, std::s
              });
 }
 
+void authenticate(const CipherNames &cipher, std::size_t len) {
+  throughput(auth_name(cipher, "cmac", len, "zel"), len,
+             [&cipher, key = message(cipher.key_len), in = message(len),
+              out = message(kTagLen)]() mutable {
+               CMAC_CONTEXT context;
+               CMAC_Initialize(&context, key.data(), cipher.key_len, cipher.descriptor);
+               CMAC_Update(&context, in.data(), static_cast<std::uint32_t>(in.size()));
+               CMAC_Finalize(out.data(), kTagLen, &context);
+             });
+}
+
 void ghash(std::size_t len, bool portable) {
   throughput({kAuthGroup, "ghash", std::to_string(len), portable ? "zel-portable" : "zel"}, len,
              [portable, h = message(16), in = message(len), out = message(16)]() mutable {
@@ -37,6 +48,7 @@ const Registration kAuth([] {
   each_auth_row([](const CipherNames &cipher, std::size_t len) {
     seal(cipher, ZEL_MODE_GCM, "gcm", len);
     seal(cipher, ZEL_MODE_CCM, "ccm", len);
+    authenticate(cipher, len);
   });
   for (const bool portable : {false, true})
     ghash(kCipherSize, portable);

@@ -5,7 +5,7 @@
 #   no-copies    it holds none
 #   fixed        it is linked at a fixed address (not PIE); else it must be PIE
 #   owns NAME    it exports NAME, and so takes it away from the library
-#   crypto-first libcrypto stands before the library in its NEEDED
+#   crypto-first, crypto-last  libcrypto stands before the library in its NEEDED, or behind it
 set -euo pipefail
 program=$1
 shift
@@ -22,9 +22,12 @@ while [ $# -gt 0 ]; do
       readelf -W --dyn-syms "$program" | awk -v n="$2" '$8 == n && $7 != "UND" {f = 1} END {exit !f}' ||
         fail "does not export $2"
       shift ;;
-    crypto-first)
+    crypto-first | crypto-last)
       needed=$(readelf -dW "$program" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -E 'libcrypto|libzel' | tr '\n' ' ')
-      [[ $needed == libcrypto*libzel_cc* ]] || fail "NEEDED is $needed" ;;
+      expected='libcrypto*libzel_cc*'
+      [ "$1" = crypto-first ] || expected='libzel_cc*libcrypto*'
+      # shellcheck disable=SC2053  # a pattern
+      [[ $needed == $expected ]] || fail "NEEDED is $needed" ;;
     *) fail "unknown kind $1" ;;
   esac
   shift

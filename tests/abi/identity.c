@@ -9,14 +9,29 @@
 
 /* With OWN_NAMES, own_names.c has globals of these names. The library's own objects are then out of
  * the linker's reach, and asked of the library itself. */
-#ifdef OWN_NAMES
+#if defined(OWN_NAMES) || defined(LIBCRYPTO_FIRST)
 #include <dlfcn.h>
+#define IN_LIBRARY(name) dlsym(dlopen("libzel_cc-3.2.so", RTLD_LAZY | RTLD_NOLOAD), #name)
+#endif
+#ifdef OWN_NAMES
 int own_names_intact(void);
-#define OBJECT(name) dlsym(dlopen("libzel_cc-3.2.so", RTLD_LAZY | RTLD_NOLOAD), #name)
+#define OBJECT(name) IN_LIBRARY(name)
 #else
 #define OBJECT(name) (&(name))
 #endif
+/* Both libraries have a function of this name. Where libcrypto stands first the program means
+ * libcrypto's, and asks for ours by the library. */
+typedef int32_t (*UPDATE_FN)(CMAC_CONTEXT *context, const uint8_t *data, uint32_t len);
+static UPDATE_FN our_update(void) {
 #ifdef LIBCRYPTO_FIRST
+  UPDATE_FN function;
+  *(void **)&function = IN_LIBRARY(CMAC_Update);
+  return function;
+#else
+  return CMAC_Update;
+#endif
+}
+#ifdef LIBCRYPTO
 #include <openssl/evp.h>
 #endif
 
@@ -92,6 +107,45 @@ static void enciphers(const BCIPHER_ALGORITHM *descriptor, const uint8_t *in, co
   check(encipher(descriptor, block, sizeof block) == ZEL_OK && is_hex(block, 16, expected), what);
 }
 
+static void authenticates_blocks(void) {
+  static const uint8_t key[16] = {0x32, 0xb9, 0xc5, 0xc7, 0x8c, 0x3a, 0x06, 0x89,
+                                  0xa8, 0x60, 0x52, 0x42, 0x0f, 0xa1, 0xe8, 0xfc};
+  static const uint8_t message[4] = {0x0b, 0x92, 0x62, 0xec};
+  CMAC_CONTEXT context;
+  uint8_t mac[16];
+  check(CMAC_Initialize(&context, key, sizeof key, &aria) == ZEL_OK, "CMAC");
+  our_update()(&context, message, sizeof message);
+  CMAC_Finalize(mac, sizeof mac, &context);
+  check(is_hex(mac, 16, "779f54b19a10495767ee549557159cd0"), "CMAC");
+}
+
+#ifdef LIBCRYPTO
+static void libcrypto_hashes(void) {
+  uint8_t digest[EVP_MAX_MD_SIZE];
+  unsigned len = 0;
+  check(EVP_Digest(kMessage, strlen(kMessage), digest, &len, EVP_sha256(), NULL) == 1 &&
+            is_hex(digest, len, "cf5b16a778af8380036ce59e7b0492370b249b11e8f07a51afac45037afee9d1"),
+        "libcrypto's hash");
+}
+#endif
+
+#ifdef LIBCRYPTO_FIRST
+/* SP 800-38B, an example for AES-128. Behind the library libcrypto would take ours: it calls its
+ * CMAC_Update by name. */
+static void libcrypto_authenticates(void) {
+  static const unsigned char key[16] = {0x2b, 0x7e, 0x15, 0x16, 0x28, 0xae, 0xd2, 0xa6,
+                                        0xab, 0xf7, 0x15, 0x88, 0x09, 0xcf, 0x4f, 0x3c};
+  static const unsigned char block[16] = {0x6b, 0xc1, 0xbe, 0xe2, 0x2e, 0x40, 0x9f, 0x96,
+                                          0xe9, 0x3d, 0x7e, 0x11, 0x73, 0x93, 0x17, 0x2a};
+  uint8_t mac[16];
+  size_t len = 0;
+  check(EVP_Q_mac(NULL, "CMAC", NULL, "AES-128-CBC", NULL, key, sizeof key, block, sizeof block,
+                  mac, sizeof mac, &len) != NULL &&
+            is_hex(mac, (uint32_t)len, "070a16b46b4d4144f79bdd9dd04a287c"),
+        "libcrypto's CMAC");
+}
+#endif
+
 static void refuses(const HASH_ALGORITHM *descriptor, const char *what) {
   HASH_CONTEXT context;
   check(HASH_InitializeEx(&context, descriptor) == ZEL_ERR_APPROVED, what);
@@ -142,17 +196,14 @@ int main(void) {
 #ifdef OWN_NAMES
   check(encipher(&aria192, not_approved, 16) == ZEL_ERR_APPROVED, "the program's own cipher");
 #endif
+  authenticates_blocks();
   refuses(&popsha1, "SHA-1 is refused");
   refuses(&popmd5, "MD5 is refused");
+#ifdef LIBCRYPTO
+  libcrypto_hashes();
+#endif
 #ifdef LIBCRYPTO_FIRST
-  {
-    uint8_t digest[EVP_MAX_MD_SIZE];
-    unsigned len = 0;
-    check(
-        EVP_Digest(kMessage, strlen(kMessage), digest, &len, EVP_sha256(), NULL) == 1 &&
-            is_hex(digest, len, "cf5b16a778af8380036ce59e7b0492370b249b11e8f07a51afac45037afee9d1"),
-        "libcrypto beside the library");
-  }
+  libcrypto_authenticates();
 #endif
   printf("%d failures\n", failures);
   return failures != 0;
