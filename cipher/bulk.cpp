@@ -249,6 +249,17 @@ void Cipher::cfb_decrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t 
   });
 }
 
+void Cipher::counter_mac(MacOf what, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                         std::uint8_t *counter, std::uint8_t *mac) const noexcept {
+  if (forth_ != nullptr && forth_->counter_mac != nullptr)
+    return forth_->counter_mac(what, out, in, count, round_keys_, counter, mac);
+  in_batches(out, in, count, block_len_, [&](auto *to, const auto *from, std::size_t now) {
+    if (what == MacOf::kInput) serial(Chain::kCbcMac, nullptr, from, now, mac);
+    ctr(to, from, now, counter);
+    if (what == MacOf::kOutput) serial(Chain::kCbcMac, nullptr, to, now, mac);
+  });
+}
+
 void Cipher::serial(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                     std::uint8_t *chain) const noexcept {
   if (forth_ != nullptr && forth_->serial != nullptr)

@@ -73,6 +73,13 @@ void serial_blocks(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::s
   std::memcpy(chain, reg, len);
 }
 
+/// Counter mode, and a CBC-MAC of what goes in or of what comes out, as CCM needs them for each
+/// way. Both chains are independent of each other, so one hides behind the other.
+enum class MacOf : bool { kInput, kOutput };
+using CounterMacFn = void (*)(MacOf what, std::uint8_t *out, const std::uint8_t *in,
+                              std::size_t count, const void *round_keys, std::uint8_t *counter,
+                              std::uint8_t *mac);
+
 /// The fast paths of one algorithm. Any of them may be null: Cipher then makes do with the others.
 struct Ops {
   BlocksFn encrypt = nullptr;
@@ -80,6 +87,7 @@ struct Ops {
   ChainedFn ctr = nullptr;          ///< `chain` is the counter, big-endian over the whole block
   ChainedFn cbc_decrypt = nullptr;  ///< `chain` becomes the last ciphertext block
   SerialFn serial = nullptr;
+  CounterMacFn counter_mac = nullptr;  ///< `counter` as for `ctr`
 };
 
 /// Whether blocks of `block_len` bytes can go through these block functions. Those of this library
@@ -123,6 +131,9 @@ class Cipher {
   /// out = in ^ E(the block before); the register becomes the last block of `in`.
   void cfb_decrypt(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                    std::uint8_t *chain) const noexcept;
+  /// ctr() with a CBC-MAC of one of its sides; `out` may equal `in`.
+  void counter_mac(MacOf what, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
+                   std::uint8_t *counter, std::uint8_t *mac) const noexcept;
   /// Block after block, as `kind` says.
   void serial(Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
               std::uint8_t *chain) const noexcept;

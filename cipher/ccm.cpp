@@ -16,6 +16,7 @@ constexpr std::size_t kBlockLen = kAuthBlockLen;
 constexpr std::size_t kPieceLen = 4096;
 /// The counter and the length of the message are numbers of 32 bits, whatever their fields hold.
 constexpr std::size_t kNumberLen = 4;
+constexpr unsigned kBitsPerByte = 8;
 
 /// Bytes of the fields for the length and the counter.
 constexpr std::size_t field_len(std::size_t nonce_len) noexcept {
@@ -28,7 +29,6 @@ constexpr bool is_nonce_len(std::size_t len) noexcept { return len >= 7 && len <
 
 /// The low bytes of a number, big-endian, and zero in front of its four.
 void write_number(std::uint8_t *to, std::size_t len, std::uint32_t value) noexcept {
-  constexpr unsigned kBitsPerByte = 8;
   for (; len > 0; value >>= kBitsPerByte)
     to[--len] = static_cast<std::uint8_t>(value);
 }
@@ -65,11 +65,14 @@ void counter_block(std::uint8_t *block, Run nonce, std::size_t counter_len,
   write_number(block + 1 + nonce.len, counter_len, i);
 }
 
-/// The CBC-MAC of the blocks of appendix A.2, as far as they have been given.
-class Mac {
+/// Both halves of the mode over one message. Appendix A.2 and sections 6.1 and 6.2.
+class Ccm {
  public:
-  Mac(const bulk::Cipher &cipher, Run nonce, Run aad, std::size_t len, std::size_t tag_len) noexcept
-      : cipher_(cipher), chain_(Block{}) {
+  Ccm(const bulk::Cipher &cipher, Run nonce, Run aad, std::size_t len, std::size_t tag_len) noexcept
+      : cipher_(cipher), counter_len_(std::min(field_len(nonce.len), kNumberLen)) {
+    counter_block(mask_->bytes, nonce, field_len(nonce.len), 0);
+    counter_block(counter_->bytes, nonce, field_len(nonce.len), 1);
+    cipher_.encrypt_block(mask_->bytes);
     Block block;
     first_block(block.bytes, nonce, aad.len > 0, static_cast<std::uint32_t>(len), tag_len);
     absorb_padded({block.bytes, kBlockLen});
@@ -81,47 +84,49 @@ class Mac {
     absorb_padded({aad.bytes + first, aad.len - first});
   }
 
-  /// Whole blocks; a partial one behind them is filled up with zero bytes.
-  void absorb_padded(Run run) noexcept {
-    const std::size_t count = run.len / kBlockLen;
-    const std::size_t rest = run.len % kBlockLen;
-    cipher_.serial(bulk::Chain::kCbcMac, nullptr, run.bytes, count, chain_->bytes);
-    if (rest == 0) return;
-    Wiped<Block> last(Block{});
-    std::memcpy(last->bytes, run.bytes + count * kBlockLen, rest);
-    cipher_.serial(bulk::Chain::kCbcMac, nullptr, last->bytes, 1, chain_->bytes);
+  /// All of the message.
+  void run(Way way, Piece piece) noexcept {
+    const auto what = way == Way::kEncrypt ? bulk::MacOf::kInput : bulk::MacOf::kOutput;
+    // Where the counter stays inside its field no wrap has to be watched for.
+    const std::size_t count = piece.len / kBlockLen;
+    if ((count + 1) >> (kBitsPerByte * counter_len_) == 0) {
+      cipher_.counter_mac(what, piece.out, piece.in, count, counter_->bytes, mac_->bytes);
+      piece.skip(count * kBlockLen);
+    }
+    while (piece.len > 0) {
+      const std::size_t now = std::min(piece.len, kPieceLen);
+      if (way == Way::kEncrypt) absorb_padded({piece.in, now});
+      ctr_field(cipher_, {piece.out, piece.in, now}, counter_->bytes, counter_len_);
+      if (way == Way::kDecrypt) absorb_padded({piece.out, now});
+      piece.skip(now);
+    }
   }
 
-  const std::uint8_t *value() const noexcept { return chain_->bytes; }
+  void give_tag(std::uint8_t *tag, std::size_t len) const noexcept {
+    xor_bytes(tag, mac_->bytes, mask_->bytes, len);
+  }
 
  private:
   struct Block {
     std::uint8_t bytes[kBlockLen];
   };
-  const bulk::Cipher &cipher_;
-  Wiped<Block> chain_;
-};
 
-/// The key stream: its first block masks the tag, the others the message.
-class Stream {
- public:
-  Stream(const bulk::Cipher &cipher, Run nonce) noexcept
-      : cipher_(cipher), counter_len_(std::min(field_len(nonce.len), kNumberLen)) {
-    counter_block(*mask_, nonce, field_len(nonce.len), 0);
-    counter_block(*counter_, nonce, field_len(nonce.len), 1);
-    cipher_.encrypt_block(*mask_);
+  /// Whole blocks; a partial one behind them is filled up with zero bytes.
+  void absorb_padded(Run run) noexcept {
+    const std::size_t count = run.len / kBlockLen;
+    const std::size_t rest = run.len % kBlockLen;
+    cipher_.serial(bulk::Chain::kCbcMac, nullptr, run.bytes, count, mac_->bytes);
+    if (rest == 0) return;
+    Wiped<Block> last(Block{});
+    std::memcpy(last->bytes, run.bytes + count * kBlockLen, rest);
+    cipher_.serial(bulk::Chain::kCbcMac, nullptr, last->bytes, 1, mac_->bytes);
   }
 
-  void apply(Piece piece) noexcept { ctr_field(cipher_, piece, *counter_, counter_len_); }
-  void mask(std::uint8_t *tag, const std::uint8_t *mac, std::size_t len) const noexcept {
-    xor_bytes(tag, mac, *mask_, len);
-  }
-
- private:
   const bulk::Cipher &cipher_;
   std::size_t counter_len_;
-  Wiped<std::uint8_t[kBlockLen]> mask_;
-  Wiped<std::uint8_t[kBlockLen]> counter_;
+  Wiped<Block> mac_{Block{}};
+  Wiped<Block> mask_;  ///< the key stream's first block, which is the tag's
+  Wiped<Block> counter_;
 };
 
 }  // namespace
@@ -130,15 +135,9 @@ std::int32_t ccm_encrypt(const bulk::Cipher &cipher, Piece piece, Run nonce, Run
                          std::uint8_t *tag, std::size_t tag_len) noexcept {
   if (!is_tag_len(tag_len)) return ZEL_ERR_CCM_TAG_LEN;
   if (!is_nonce_len(nonce.len)) return ZEL_ERR_CCM_NONCE_LEN;
-  Mac mac(cipher, nonce, aad, piece.len, tag_len);
-  Stream stream(cipher, nonce);
-  while (piece.len > 0) {
-    const std::size_t now = std::min(piece.len, kPieceLen);
-    mac.absorb_padded({piece.in, now});
-    stream.apply({piece.out, piece.in, now});
-    piece.skip(now);
-  }
-  stream.mask(tag, mac.value(), tag_len);
+  Ccm ccm(cipher, nonce, aad, piece.len, tag_len);
+  ccm.run(Way::kEncrypt, piece);
+  ccm.give_tag(tag, tag_len);
   return ZEL_OK;
 }
 
@@ -148,16 +147,10 @@ std::int32_t ccm_decrypt(const bulk::Cipher &cipher, std::uint8_t *data, std::si
   if (len == 0 || !is_tag_len(tag_len) || !is_nonce_len(nonce.len)) return ZEL_ERR_TAG;
   Scratch<std::uint8_t> plain(len);
   if (!plain) return ZEL_ERR_GENERIC;
-  Mac mac(cipher, nonce, aad, len, tag_len);
-  Stream stream(cipher, nonce);
-  for (std::size_t done = 0; done < len;) {
-    const std::size_t now = std::min(len - done, kPieceLen);
-    stream.apply({plain.data() + done, data + done, now});
-    mac.absorb_padded({plain.data() + done, now});
-    done += now;
-  }
+  Ccm ccm(cipher, nonce, aad, len, tag_len);
+  ccm.run(Way::kDecrypt, {plain.data(), data, len});
   Wiped<std::uint8_t[kMaxTagLen]> own;
-  stream.mask(*own, mac.value(), tag_len);
+  ccm.give_tag(*own, tag_len);
   if (!ct::equal(*own, tag, tag_len)) return ZEL_ERR_TAG;
   std::memcpy(data, plain.data(), len);
   return ZEL_OK;

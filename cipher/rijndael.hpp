@@ -71,6 +71,12 @@ void serial128_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in
                      const void *schedule, std::uint8_t *chain) noexcept;
 void serial256_aesni(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                      const void *schedule, std::uint8_t *chain) noexcept;
+void counter_mac128_aesni(bulk::MacOf what, std::uint8_t *out, const std::uint8_t *in,
+                          std::size_t count, const void *schedule, std::uint8_t *counter,
+                          std::uint8_t *mac) noexcept;
+void counter_mac256_aesni(bulk::MacOf what, std::uint8_t *out, const std::uint8_t *in,
+                          std::size_t count, const void *schedule, std::uint8_t *counter,
+                          std::uint8_t *mac) noexcept;
 
 /// In bit slices: 64-bit logic alone, no table and no branch on data.
 extern const Engine sliced128, sliced256;

@@ -59,11 +59,13 @@ struct Ymm {
 template <class Size>
 constexpr bulk::Ops ops() noexcept {
   using Blocks = Kernel<Ymm, Size>;
+  constexpr bool kShort = Size::kRounds == Aes128::kRounds;
   return {.encrypt = Blocks::encrypt,
           .decrypt = Blocks::decrypt,
           .ctr = Blocks::ctr,
           .cbc_decrypt = Blocks::cbc_decrypt,
-          .serial = Size::kRounds == Aes128::kRounds ? serial128_aesni : serial256_aesni};
+          .serial = kShort ? serial128_aesni : serial256_aesni,
+          .counter_mac = kShort ? counter_mac128_aesni : counter_mac256_aesni};
 }
 
 }  // namespace
