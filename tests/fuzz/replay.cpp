@@ -30,7 +30,7 @@ int main(int argc, char **argv) {
   for (const auto &entry : std::filesystem::directory_iterator(argv[1])) {
     std::ifstream stream(entry.path(), std::ios::binary);
     Bytes input{std::istreambuf_iterator<char>(stream), {}};
-    const bool text = !input.empty() && input.front() == '-';
+    const bool text = !input.empty() && input.back() == '\n';
     ++files;
     if (!is_accepted(input)) {
       std::printf("refused: %s\n", entry.path().c_str());
