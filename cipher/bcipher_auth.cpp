@@ -15,16 +15,27 @@ using modes::Piece;
 using modes::Run;
 using modes::Way;
 
-/// What both calls ask once the gates are open and no argument is missing. An unknown mode still
-/// gets its copy.
-std::int32_t check_mode(const BCIPHER_CONTEXT &context, Piece piece,
-                        std::uint32_t tag_len) noexcept {
-  if (context.mode != ZEL_MODE_GCM && context.mode != ZEL_MODE_CCM) {
-    modes::copy(piece.out, piece.in, piece.len);
+/// What both calls are given.
+struct Call {
+  Piece piece;
+  Run aad, nonce;
+  std::uint32_t tag_len;
+};
+
+/// What both calls ask before they touch anything, but that an unknown mode gets its copy.
+std::int32_t check_call(const BCIPHER_CONTEXT *context, const BCIPHER_KEY *key, const Call &call,
+                        const std::uint32_t *out_len) noexcept {
+  const std::int32_t refusal = modes::check_operation(context, key);
+  if (refusal != ZEL_OK) return refusal;
+  const Run message{call.piece.in, call.piece.len};
+  if (any_null(call.piece.out, out_len) || modes::any_missing(message, call.aad, call.nonce))
+    return ZEL_ERR_GENERIC;
+  if (context->mode != ZEL_MODE_GCM && context->mode != ZEL_MODE_CCM) {
+    modes::copy(call.piece.out, call.piece.in, call.piece.len);
     return ZEL_ERR_MODE;
   }
-  if (context.descriptor->block_len != modes::kAuthBlockLen) return ZEL_ERR_GENERIC;
-  if (context.mode == ZEL_MODE_GCM && !modes::is_gcm_tag_len(tag_len)) return ZEL_ERR_GENERIC;
+  if (context->descriptor->block_len != modes::kAuthBlockLen) return ZEL_ERR_GENERIC;
+  if (context->mode == ZEL_MODE_GCM && !modes::is_gcm_tag_len(call.tag_len)) return ZEL_ERR_GENERIC;
   return ZEL_OK;
 }
 
@@ -50,11 +61,8 @@ int32_t BCIPHER_EncryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
                             const uint8_t *aad, uint32_t aad_len, const uint8_t *nonce,
                             uint32_t nonce_len, const BCIPHER_CONTEXT *context,
                             const BCIPHER_KEY *key, uint32_t tag_len) {
-  int32_t refusal = modes::check_operation(context, key);
-  if (refusal != ZEL_OK) return refusal;
-  const Run message{in, in_len}, data{aad, aad_len}, iv{nonce, nonce_len};
-  if (any_null(out, out_len) || modes::any_missing(message, data, iv)) return ZEL_ERR_GENERIC;
-  refusal = check_mode(*context, {out, in, in_len}, tag_len);
+  const Run data{aad, aad_len}, iv{nonce, nonce_len};
+  const int32_t refusal = check_call(context, key, {{out, in, in_len}, data, iv, tag_len}, out_len);
   if (refusal != ZEL_OK) return refusal;
   if (tag_len > UINT32_MAX - in_len) return ZEL_ERR_GENERIC;
   const Piece piece = modes::separate({out, in, in_len});
@@ -77,11 +85,8 @@ int32_t BCIPHER_DecryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
                             const uint8_t *aad, uint32_t aad_len, const uint8_t *nonce,
                             uint32_t nonce_len, const BCIPHER_CONTEXT *context,
                             const BCIPHER_KEY *key, uint32_t tag_len) {
-  int32_t refusal = modes::check_operation(context, key);
-  if (refusal != ZEL_OK) return refusal;
-  const Run message{in, in_len}, data{aad, aad_len}, iv{nonce, nonce_len};
-  if (any_null(out, out_len) || modes::any_missing(message, data, iv)) return ZEL_ERR_GENERIC;
-  refusal = check_mode(*context, {out, in, in_len}, tag_len);
+  const Run data{aad, aad_len}, iv{nonce, nonce_len};
+  const int32_t refusal = check_call(context, key, {{out, in, in_len}, data, iv, tag_len}, out_len);
   if (refusal != ZEL_OK) return refusal;
   if (in_len < tag_len) return ZEL_ERR_TAG;
 

@@ -65,6 +65,10 @@ void counter_block(std::uint8_t *block, Run nonce, std::size_t counter_len,
   write_number(block + 1 + nonce.len, counter_len, i);
 }
 
+bool is_block_of_ccm(std::size_t block_len, BCIPHER_BLOCK_FN encrypt_block) noexcept {
+  return block_len == kBlockLen && bulk::fits(block_len, encrypt_block, nullptr);
+}
+
 /// Both halves of the mode over one message. Appendix A.2 and sections 6.1 and 6.2.
 class Ccm {
  public:
@@ -210,9 +214,8 @@ int32_t BCIPHER_EncryptCCM(uint8_t *data, uint32_t len, uint32_t tag_len, const 
                            const void *round_keys, uint32_t block_len,
                            BCIPHER_BLOCK_FN encrypt_block) {
   const modes::Run runs[] = {{nonce, nonce_len}, {aad, aad_len}};
-  if (block_len != modes::kBlockLen || !bulk::fits(block_len, encrypt_block, nullptr) ||
-      any_null(data, round_keys) || modes::any_missing(runs[0], runs[1]))
-    return ZEL_ERR_GENERIC;
+  if (any_null(data, round_keys) || modes::any_missing(runs[0], runs[1])) return ZEL_ERR_GENERIC;
+  if (!modes::is_block_of_ccm(block_len, encrypt_block)) return ZEL_ERR_GENERIC;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);
   return modes::ccm_encrypt(cipher, {data, data, len}, runs[0], runs[1], data + len, tag_len);
 }
@@ -222,9 +225,8 @@ int32_t BCIPHER_DecryptCCM(uint8_t *data, uint32_t len, uint32_t tag_len, const 
                            const void *round_keys, uint32_t block_len,
                            BCIPHER_BLOCK_FN encrypt_block) {
   const modes::Run runs[] = {{nonce, nonce_len}, {aad, aad_len}};
-  if (block_len != modes::kBlockLen || !bulk::fits(block_len, encrypt_block, nullptr) ||
-      any_null(data, round_keys) || modes::any_missing(runs[0], runs[1]))
-    return ZEL_ERR_GENERIC;
+  if (any_null(data, round_keys) || modes::any_missing(runs[0], runs[1])) return ZEL_ERR_GENERIC;
+  if (!modes::is_block_of_ccm(block_len, encrypt_block)) return ZEL_ERR_GENERIC;
   if (len <= tag_len) return ZEL_ERR_TAG;
   const bulk::Cipher cipher(block_len, encrypt_block, nullptr, round_keys);
   return modes::ccm_decrypt(cipher, data, len - tag_len, runs[0], runs[1], data + len - tag_len,
