@@ -49,6 +49,19 @@ void operations(const Name &name, Body body) {
                                });
 }
 
+/// Registers the mean over `count` calls, for what takes a time that is chance.
+template <class Body>
+void mean(const Name &name, std::int64_t count, Body body) {
+  benchmark::RegisterBenchmark(name.joined().c_str(),
+                               [body = std::move(body)](benchmark::State &state) mutable {
+                                 for ([[maybe_unused]] auto step : state)
+                                   body();
+                                 state.SetItemsProcessed(state.iterations());
+                               })
+      ->Repetitions(1)
+      ->Iterations(count);
+}
+
 /// Bytes to work on: the same for every implementation, neither zero nor random.
 inline std::vector<std::uint8_t> message(std::size_t len) {
   std::vector<std::uint8_t> bytes(len);

@@ -102,24 +102,12 @@ void powers(const Task &task) {
 #endif
 }
 
-template <class Body>
-void mean(const Name &name, Body body) {
-  benchmark::RegisterBenchmark(name.joined().c_str(),
-                               [body](benchmark::State &state) {
-                                 for ([[maybe_unused]] auto step : state)
-                                   body();
-                                 state.SetItemsProcessed(state.iterations());
-                               })
-      ->Repetitions(1)
-      ->Iterations(kPrimes);
-}
-
 void primes() {
-  mean({"prime", "GeneratePrime", "1024", "zel"}, [] {
+  mean({"prime", "GeneratePrime", "1024", "zel"}, kPrimes, [] {
     MINT p;
     PRIME_GeneratePrime(&p, 1024, 1024, nullptr);
   });
-  mean({"prime", "GenerateStrongPrime", "1024", "zel"}, [] {
+  mean({"prime", "GenerateStrongPrime", "1024", "zel"}, kPrimes, [] {
     MINT p;
     PRIME_GenerateStrongPrime(&p, 1024, 1024, nullptr, 448, 448, 320);
   });
@@ -130,7 +118,7 @@ void primes() {
 #if ZEL_BENCH_OPENSSL
   // OpenSSL takes 64 iterations for 1024 bits, whoever asks.
   for (const char *const operation : {"GeneratePrime", "GenerateStrongPrime"}) {
-    mean({"prime", operation, "1024", "openssl"},
+    mean({"prime", operation, "1024", "openssl"}, kPrimes,
          [p = BN_new()] { BN_generate_prime_ex(p, 1024, 0, nullptr, nullptr, nullptr); });
   }
   for (const char *const size : {"1024x4", "1024x64"}) {
