@@ -26,6 +26,8 @@ struct Text {
   const std::uint8_t *data() const noexcept { return reinterpret_cast<const std::uint8_t *>(text); }
   static constexpr std::uint32_t len() noexcept { return kLen; }
 };
+template <std::size_t kLen>
+Text(const char (&)[kLen]) -> Text<kLen>;
 
 constexpr Text kEncrypted{"This is a test."};
 constexpr Text kSignedPss{"This is a test message for RSASSA-PSS usage!"};
