@@ -58,7 +58,7 @@ Outcome call(bool decrypt, const Setting &s, const Bytes &in, bool in_place = fa
       function(out.data(), &outcome.len, in_place ? out.data() : in.data(), size(in), s.aad.data(),
                size(s.aad), s.nonce.data(), size(s.nonce), &context, key.get(), s.tag_len);
   EXPECT_EQ(Bytes(out.end() - kFence, out.end()), Bytes(kFence, 0xcc)) << "written beyond the end";
-  out.resize(out.size() - kFence);
+  out.erase(out.end() - kFence, out.end());
   outcome.out = out;
   return outcome;
 }
