@@ -18,9 +18,20 @@ install(CODE "
 install(FILES include/zel_cc.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/zel_cc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 
+# rand() and srand() over the kernel's generator, for every program that generates keys: the object
+# to link, and its source.
+add_library(zel_strong_rand OBJECT tools/zel/strong_rand.c)
+set_target_properties(zel_strong_rand PROPERTIES POSITION_INDEPENDENT_CODE ON)
+target_include_directories(zel_strong_rand PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/tools/zel)
+set(zel_object_dir ${CMAKE_INSTALL_LIBDIR}/zel_cc)
+install(FILES $<TARGET_OBJECTS:zel_strong_rand> DESTINATION ${zel_object_dir} RENAME strong_rand.o)
+install(FILES tools/zel/strong_rand.c tools/zel/strong_rand.h
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zel_cc)
+
 install(EXPORT zel_cc NAMESPACE zel_cc:: FILE zel_cc-targets.cmake DESTINATION ${zel_cmake_dir})
 configure_package_config_file(cmake/zel_cc-config.cmake.in zel_cc-config.cmake
-                              INSTALL_DESTINATION ${zel_cmake_dir})
+                              INSTALL_DESTINATION ${zel_cmake_dir}
+                              PATH_VARS zel_object_dir CMAKE_INSTALL_DATADIR)
 write_basic_package_version_file(zel_cc-config-version.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zel_cc-config.cmake
               ${PROJECT_BINARY_DIR}/zel_cc-config-version.cmake DESTINATION ${zel_cmake_dir})

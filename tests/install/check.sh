@@ -44,6 +44,7 @@ for language in C CXX; do
     "$cmake" --build "$work/$language" >>"$work/$language.log" 2>&1 || { cat "$work/$language.log"; exit 1; }
   runs "$language program, CMake package, shared" "$work/$language/outside_shared" yes
   runs "$language program, CMake package, static" "$work/$language/outside_static" no
+  runs "$language program, CMake package, strong rand" "$work/$language/outside_strong_rand" yes
 done
 
 if command -v pkg-config >/dev/null; then
@@ -53,6 +54,10 @@ if command -v pkg-config >/dev/null; then
   read -ra static <<<"$(pkg-config --static --cflags --libs zel_cc)"
   archive=$(pkg-config --variable=archive zel_cc)
   read -ra cflags <<<"$(pkg-config --cflags zel_cc)"
+  "$cc" -std=c11 -DSTRONG_RAND -I"$prefix/share/zel_cc" "$here/outside.c" "${flags[@]}" "-Wl,-rpath,$libdir" \
+    -Wl,--export-dynamic-symbol=rand,--export-dynamic-symbol=srand \
+    "$(pkg-config --variable=strong_rand zel_cc)" -ldl -o "$work/pc_strong_rand"
+  runs "C program, pkg-config, strong rand" "$work/pc_strong_rand" yes
   for language in C CXX; do
     if [ $language = C ]; then compiler=("$cc" -std=c11) source=$here/outside.c; else compiler=("$cxx" -std=c++17) source=$work/outside.cpp; fi
     "${compiler[@]}" "$source" "${flags[@]}" "-Wl,-rpath,$libdir" -o "$work/pc_shared_$language"
