@@ -1,4 +1,5 @@
-// Whatever bytes claim to be a key: the readers either refuse them or read what they can write back.
+// Whatever bytes claim to be a key: the readers either refuse them or read what they can write
+// back.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

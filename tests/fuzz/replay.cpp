@@ -37,7 +37,8 @@ int main(int argc, char **argv) {
       ++bad;
     }
     for (std::size_t len = 0; len < input.size(); ++len, ++runs) {
-      const bool accepted = is_accepted(Bytes(input.begin(), input.begin() + static_cast<long>(len)));
+      const bool accepted =
+          is_accepted(Bytes(input.begin(), input.begin() + static_cast<long>(len)));
       // A text may lose its last line end.
       if (accepted && !(text && len + 1 == input.size())) {
         std::printf("accepted: %s cut off after %zu bytes\n", entry.path().c_str(), len);

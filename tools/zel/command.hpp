@@ -76,6 +76,10 @@ Command split_command();
 Command combine_command();
 Command reissue_command();
 Command integrity_command();
+Command keygen_command();
+Command key_command();
+Command sign_command();
+Command verify_command();
 Command info_command();
 /// These two describe the other commands.
 Command completion_command(const Commands &commands);

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "tools/zel/failure.hpp"
+#include "tools/zel/key_file.hpp"
 #include "tools/zel/key_source.hpp"
 #include "tools/zel/passphrase.hpp"
 #include "tools/zel/pbkdf2.hpp"
@@ -15,8 +16,8 @@ constexpr std::size_t kLeastKeyFile = 16;
 
 /// The one source that was named. A passphrase that is given needs no -p.
 std::optional<SecretSource> source_of(const Session &session, const SecretOptions &options) {
-  const bool by_passphrase =
-      options.passphrase || (passphrase_source(session).is_given() && !options.rsa_key);
+  const bool by_passphrase = options.passphrase || (passphrase_source(session).is_given() &&
+                                                    !options.rsa_key && !options.key_file);
   const int named = by_passphrase + options.key_file.has_value() + options.rsa_key.has_value();
   if (named == 0) return std::nullopt;
   if (named > 1) {
@@ -33,12 +34,20 @@ Secret from_passphrase(const Secret &passphrase, const ContainerHeader &header) 
   return secret;
 }
 
-Secret from_key_file(const std::string &path) {
+/// The bytes of a file; what 'zel keygen symmetric' wrote is the same key in whatever form.
+Secret from_key_file(const Session &session, const std::string &path) {
   Secret secret = read_key(path);
   const auto bytes = secret.bytes();
   const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
   if (text.starts_with("-----BEGIN") && text.substr(0, 40).find("PUBLIC KEY") != text.npos) {
     throw Failure(Exit::kUsage, path, "a public key, which is no secret", "use -r with it");
+  }
+  if (text.starts_with("-----BEGIN") && text.substr(0, 40).find("SYMMETRIC KEY") != text.npos) {
+    return symmetric_key_of(session, path, std::move(secret));
+  }
+  if (passphrase_source(session).is_given()) {
+    throw Failure(Exit::kUsage, path, "a key that is not encrypted, and a passphrase",
+                  "leave out one of them");
   }
   if (bytes.size() < kLeastKeyFile) {
     throw Failure(Exit::kMalformed, path, "shorter than 16 bytes",
@@ -75,7 +84,7 @@ Secret make_secret(Session &session, const SecretOptions &options, ContainerHead
                   "use -p for a passphrase, -k for a key file or -r for an RSA recipient");
   }
   header.source = *source;
-  if (*source == SecretSource::kKeyFile) return from_key_file(*options.key_file);
+  if (*source == SecretSource::kKeyFile) return from_key_file(session, *options.key_file);
   header.rounds = kPbkdf2Rounds;
   return from_passphrase(obtain_new_passphrase(passphrase_source(session), file), header);
 }
@@ -86,7 +95,7 @@ Secret find_secret(Session &session, const SecretOptions &options, const Contain
   // A passphrase is asked for without being told.
   const bool suits = source ? *source == header.source : header.source == SecretSource::kPassphrase;
   if (!suits) throw Failure(Exit::kUsage, file, option_for(header.source), "");
-  if (header.source == SecretSource::kKeyFile) return from_key_file(*options.key_file);
+  if (header.source == SecretSource::kKeyFile) return from_key_file(session, *options.key_file);
   return from_passphrase(obtain_passphrase(passphrase_source(session), file), header);
 }
 

@@ -15,6 +15,8 @@ const char *advice_for(int error_number) {
     case EACCES:
     case EPERM:
       return "check its permissions";
+    case EBADF:
+      return "check the number";
     case EISDIR:
       return "name the files in it, for example with find";
     case EEXIST:

@@ -22,8 +22,8 @@ class Temporary {
   std::size_t slot_;
 };
 
-/// A terminal that does not show what is typed while this lives; a signal that ends the program makes
-/// it show again. One at a time.
+/// A terminal that does not show what is typed while this lives; a signal that ends the program
+/// makes it show again. One at a time.
 class SilentTerminal {
  public:
   explicit SilentTerminal(int number);

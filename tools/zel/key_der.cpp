@@ -28,12 +28,13 @@ constexpr std::array<Identifier, 4> kIdentifiers{{{KeyType::kRsa, kRsaId},
                                                   {KeyType::kKcdsa, kKcdsaId},
                                                   {KeyType::kSymmetric, kDataId}}};
 
-constexpr std::array<KeyLabel, 12> kLabels{{
+constexpr std::array<KeyLabel, 13> kLabels{{
     {"PRIVATE KEY", KeyForm::kPrivateKeyInfo, std::nullopt},
     {"ENCRYPTED PRIVATE KEY", KeyForm::kEncryptedPrivateKeyInfo, std::nullopt},
     {"PUBLIC KEY", KeyForm::kPublicKeyInfo, std::nullopt},
     {"RSA PRIVATE KEY", KeyForm::kPkcs1Private, KeyType::kRsa},
     {"RSA PUBLIC KEY", KeyForm::kPkcs1Public, KeyType::kRsa},
+    {"DSA PRIVATE KEY", KeyForm::kDsaPrivate, KeyType::kDsa},
     {"DSA PARAMETERS", KeyForm::kParameters, KeyType::kDsa},
     {"KCDSA PRIVATE KEY", KeyForm::kPrivateKeyInfo, KeyType::kKcdsa},
     {"ENCRYPTED KCDSA PRIVATE KEY", KeyForm::kEncryptedPrivateKeyInfo, KeyType::kKcdsa},
@@ -109,6 +110,12 @@ void write_algorithm(Writer &writer, const Key &key) {
 void read_rsa_private(Reader reader, Key &key) {
   if (reader.small() != 0) throw Malformed("an RSA key of more than two primes");
   read_numbers(reader, key, kRsaNumbers);
+  reader.end();
+}
+
+void read_dsa_private(Reader reader, Key &key) {
+  if (reader.small() != 0) throw Malformed("a DSA key of an unknown version");
+  read_numbers(reader, key, kGroupNumbers);
   reader.end();
 }
 
@@ -222,6 +229,7 @@ KeyForm guess_form(View content) {
   for (; reader.sees(Tag::kInteger); ++count)
     reader.integer();
   if (count == kE + 1) return KeyForm::kPkcs1Public;
+  if (count == 1 + kGroupNumbers) return KeyForm::kDsaPrivate;
   return count == kY ? KeyForm::kParameters : KeyForm::kPkcs1Private;
 }
 
@@ -240,6 +248,11 @@ KeyPointer parse_key(KeyForm form, std::optional<KeyType> type, View content) {
     case KeyForm::kPkcs1Public: {
       auto key = std::make_unique<Key>(KeyType::kRsa, KeyPart::kPublic);
       read_rsa_public(reader, *key);
+      return key;
+    }
+    case KeyForm::kDsaPrivate: {
+      auto key = std::make_unique<Key>(KeyType::kDsa, KeyPart::kPrivate);
+      read_dsa_private(reader, *key);
       return key;
     }
     case KeyForm::kParameters: {

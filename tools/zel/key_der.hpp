@@ -17,6 +17,7 @@ enum class KeyForm {
   kPublicKeyInfo,
   kPkcs1Private,
   kPkcs1Public,
+  kDsaPrivate,  ///< of OpenSSL before its version 3: p, q, g, y, x
   kParameters,
 };
 
@@ -37,7 +38,7 @@ std::string_view label_for(KeyForm form, KeyType type);
 KeyForm guess_form(der::View content);
 
 /// Reads any form but the encrypted one; `type`, where given, is what it must hold. Private DSA and
-/// KCDSA keys have no `y` yet.
+/// KCDSA keys may have no `y` yet.
 KeyPointer parse_key(KeyForm form, std::optional<KeyType> type, der::View content);
 
 /// Writes a key, its public half or its parameters: what `form` says, which is one of

@@ -15,6 +15,10 @@ int main(int argc, char **argv) {
   commands.push_back(combine_command());
   commands.push_back(reissue_command());
   commands.push_back(integrity_command());
+  commands.push_back(keygen_command());
+  commands.push_back(key_command());
+  commands.push_back(sign_command());
+  commands.push_back(verify_command());
   commands.push_back(info_command());
   commands.push_back(completion_command(commands));
   commands.push_back(manual_command(commands));
