@@ -4,6 +4,15 @@
 #include "pk/oaep.hpp"
 #include "tests/support/openssl_rsa.hpp"
 
+// The allocator, as the library sees it.
+namespace {
+bool g_no_memory = false;
+}
+extern "C" void *__real_calloc(std::size_t count, std::size_t size);
+extern "C" void *__wrap_calloc(std::size_t count, std::size_t size) {
+  return g_no_memory ? nullptr : __real_calloc(count, size);
+}
+
 namespace zel::test {
 namespace {
 
@@ -189,8 +198,9 @@ TEST(Rsa20, SignsAsVersion21) {
     EXPECT_EQ(ZEL_ERR_GENERIC, PKCRYPT_CheckKeyPair(&pri20, &pri, nullptr)) << "not of the family";
   }
   std::uint8_t em[62];
-  EXPECT_EQ(ZEL_ERR_GENERIC, RSA20_EMSA2_Hash(em, 60, em, 32, &sha256));
-  EXPECT_EQ(ZEL_OK, RSA20_EMSA2_Hash(em, 61, em, 32, &sha256));
+  const std::uint8_t digest[32] = {};
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA20_EMSA2_Hash(em, 60, digest, 32, &sha256));
+  EXPECT_EQ(ZEL_OK, RSA20_EMSA2_Hash(em, 61, digest, 32, &sha256));
   EXPECT_EQ("01ffffffffffffffff003031", to_hex(Bytes(em, em + 12)));
 }
 
@@ -244,6 +254,27 @@ TEST(Rsa20, EncodesWithoutRsa) {
               EME_OAEP_ENCODE(tiny, &len, tiny, 1, 0, nullptr, hash, nullptr));
     EXPECT_EQ(ZEL_ERR_GENERIC, EME_OAEP_DECODE(tiny, &len, tiny, 1, 0, nullptr, hash, nullptr));
   }
+}
+
+// Whatever needs memory says so, and leaves its output alone.
+TEST(RsaEncryption, SurvivesWithoutMemory) {
+  const RsaKey &key = key_of_bits(1024);
+  std::uint8_t block[128] = {}, out[128] = {};
+  std::uint32_t len = 77;
+  MINT r{1, {5}};
+  const MINT in{1, {9}};
+  FILE *const stream = std::tmpfile();
+  const RSA_OAEP_LABEL *const none = nullptr;
+  g_no_memory = true;
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SP1(&r, &in, &key.pri));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_S_File(&r, stream, 9, &key.pri, nullptr, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_PSS_S(&r, block, 9, &key.pri, nullptr, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, EME_OAEP_DECODE21(out, &len, block, 128, nullptr, 0, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA20_EME1_D(out, &len, block, 127, nullptr, 0, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, EME_OAEP_DECODE(out, &len, block, 128, 1024, none, &sha256, nullptr));
+  g_no_memory = false;
+  EXPECT_TRUE(len == 77 && r.words[0] == 5 && out[0] == 0);
+  std::fclose(stream);
 }
 
 }  // namespace
