@@ -5,7 +5,6 @@
 #include "core/gate.hpp"
 #include "mint/public_exp.hpp"
 #include "mint/secret.hpp"
-#include "zel_cc/dsa.h"
 #include "zel_cc/mint_arith.h"
 
 namespace zel {
@@ -39,8 +38,7 @@ namespace {
 using pk::Digest;
 using pk::Group;
 using pk::Message;
-
-Group group_of(const DSA_PARAM &param) noexcept { return {param.p, param.q, param.g}; }
+using pk::dsa::group_of;
 
 /// The hash value as an integer.
 // Deliberate: all of the digest, where FIPS 186-3 and later cut it to the length of q.

@@ -2,8 +2,11 @@
 #pragma once
 
 #include "pk/discrete_log.hpp"
+#include "zel_cc/dsa.h"
 
 namespace zel::pk::dsa {
+
+inline Group group_of(const DSA_PARAM &param) noexcept { return {param.p, param.q, param.g}; }
 
 /// r = (g^k mod p) mod q, which is public once the signature is. False: no memory.
 [[nodiscard]] bool commit(MINT &r, const MINT &k, const Group &group) noexcept;

@@ -5,8 +5,7 @@
 #include "base/bytes.hpp"
 #include "core/gate.hpp"
 #include "mint/secret.hpp"
-#include "pk/discrete_log.hpp"
-#include "zel_cc/dsa.h"
+#include "pk/dsa.hpp"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"
 #include "zel_cc/mint_rand.h"
@@ -16,10 +15,9 @@ namespace zel {
 namespace {
 
 using pk::Group;
+using pk::dsa::group_of;
 
 constexpr std::uint32_t kWindow = 4;
-
-Group group_of(const DSA_PARAM &param) noexcept { return {param.p, param.q, param.g}; }
 
 /// less = p - 1, cofactor = (p - 1) / q, and whether the cofactor is not a multiple of q.
 bool split(MINT &less, MINT &cofactor, const DSA_PARAM &param) noexcept {
