@@ -158,7 +158,7 @@ TEST(Dsa, HostileNumbersAreRefused) {
     bad = good;
     bad.x = value;
     DSA_SIGNATURE_BODY made;
-    DSA_SP(&made, bad.msg.data(), &bad.x, &bad.param, bad.hash);
+    DSA_SSA_S(&made, bad.msg.data(), 1, &bad.x, &bad.param, bad.hash);
     EXPECT_NE(DSA_CheckKeyPair(&bad.x, &bad.y, &bad.param), ZEL_OK);
     for (const auto member : {&DSA_SIGNATURE_BODY::r, &DSA_SIGNATURE_BODY::s}) {
       bad = good;
