@@ -1,4 +1,5 @@
-"""zel integrity, and the companion that the build writes."""
+"""zel integrity with the companion that the build writes, zel selftest, and what a failing self-test
+does to every command."""
 
 import hashlib
 import hmac
@@ -65,6 +66,44 @@ class IntegrityCommand(ToolTest):
         self.zel("integrity", "--check", "lib")
         self.assertEqual(self.run_program(STAMP, library).returncode, 0)
         self.assertEqual(library.stat().st_size, 131073)
+
+
+def faulty(test):
+    """An environment with a library in which that self-test fails, and without a companion."""
+    return {"env": dict(os.environ, LD_LIBRARY_PATH=os.environ["ZEL_FAULTY"],
+                        ZEL_FAULTY_SELF_TEST=f"SELFTEST_{test}")}
+
+
+class SelfTestCommand(ToolTest):
+    def exported_tests(self):
+        """How many tests of one algorithm the library has."""
+        symbols = self.other("nm", "-D", "--defined-only", LIBRARY)
+        runs = "VerifiedAlgorithm|SequentialRNGTest|DoPowerUpSelfTest|VerifyModuleHMAC|DoModule"
+        return len(re.findall(rf" T SELFTEST_(?!{runs})", symbols))
+
+    def test_everything_is_in_order(self):
+        text = self.zel("selftest").stdout.decode()
+        found = json.loads(self.zel("selftest", "--json").stdout)
+        self.assertEqual(len(found["tests"]), self.exported_tests())
+        for test in found["tests"]:
+            self.assertEqual(test["code"], 0)
+            self.assertRegex(text, rf"(?m)^{re.escape(test['name'])} +ok +[0-9.]+ ms$")
+        self.assertEqual((found["state"]["value"], found["ordered_run"]["code"]), (4, 0))
+        self.assertIs(found["integrity"]["good"], True)
+        self.assertIs(found["strong_rand"], True)
+        self.assertTrue(text.endswith("module state         4, verified service\n"))
+
+    def test_a_failure_shows_and_ends_every_command(self):
+        found = json.loads(self.zel("selftest", "--json", exit=SELF_TEST, **faulty("HMAC_SHA384")).stdout)
+        failed = [test["name"] for test in found["tests"] if test["code"] not in (0, -9001)]
+        self.assertEqual((failed, found["state"]["value"]), (["HMAC-SHA-384"], -98))
+        self.assertIs(found["integrity"]["good"], False)
+        for command in (["hash"], ["rand", "1"], ["info"], ["hash", "--legacy", "-a", "md5"]):
+            done = self.zel(*command, exit=SELF_TEST, **faulty("HMAC_SHA384"))
+            self.assertEqual(done.stdout, b"")
+            self.assertIn(b"-9145", done.stderr)
+        self.zel("hash", **faulty("none"))
+        self.zel("completion", "bash", **faulty("SEED"))
 
 
 if __name__ == "__main__":

@@ -17,7 +17,7 @@ import unittest
 import support
 from support import DONE, FILE, USAGE, ZEL, ToolTest, available
 
-COMMANDS = ["hash", "mac", "rand", "prime", "split", "combine", "reissue", "integrity", "keygen", "key", "sign", "verify", "info", "completion"]
+COMMANDS = ["hash", "mac", "rand", "prime", "split", "combine", "reissue", "selftest", "integrity", "keygen", "key", "sign", "verify", "info", "completion"]
 
 
 def listen(terminal, seconds=60):

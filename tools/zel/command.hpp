@@ -75,6 +75,7 @@ Command prime_command();
 Command split_command();
 Command combine_command();
 Command reissue_command();
+Command selftest_command();
 Command integrity_command();
 Command keygen_command();
 Command key_command();

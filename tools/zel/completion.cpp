@@ -191,6 +191,7 @@ Command completion_command(const Commands &commands) {
                    {"in fish", "zel completion fish | source"}}};
   command.positionals = {
       {"", "", "SHELL", "bash, zsh or fish", shell.get(), {"bash", "zsh", "fish"}}};
+  command.service = Service::kAsStarted;
   command.run = [shell, &commands](Session &session) {
     Commands visible;
     std::copy_if(commands.begin(), commands.end(), std::back_inserter(visible),

@@ -28,23 +28,6 @@ constexpr std::array kFeatures{
     NamedFeature{cpu::Feature::kAdx, "adx", "two carry chains"},
 };
 
-const char *state_name(int state) {
-  switch (state) {
-    case ZEL_STATE_ERROR:
-      return "error";
-    case ZEL_STATE_INITIALISED:
-      return "initialised";
-    case ZEL_STATE_SELF_TEST:
-      return "self-test";
-    case ZEL_STATE_NOT_VERIFIED:
-      return "not-verified service";
-    case ZEL_STATE_VERIFIED:
-      return "verified service";
-    default:
-      return "not operational";
-  }
-}
-
 std::vector<Scheme> all_schemes() {
   std::vector<Scheme> all = hash_schemes();
   for (Scheme &scheme : hmac_schemes({}))

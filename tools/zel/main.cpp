@@ -14,6 +14,7 @@ int main(int argc, char **argv) {
   commands.push_back(split_command());
   commands.push_back(combine_command());
   commands.push_back(reissue_command());
+  commands.push_back(selftest_command());
   commands.push_back(integrity_command());
   commands.push_back(keygen_command());
   commands.push_back(key_command());

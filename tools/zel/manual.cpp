@@ -104,6 +104,7 @@ Command manual_command(const Commands &commands) {
   command.positionals = {
       {"", "", "COMMAND", "The command; none is the program itself", name.get()}};
   command.hidden = true;
+  command.service = Service::kAsStarted;
   command.run = [name, &commands](Session &session) {
     if (!*name) return session.print(program_page(commands));
     for (const Command &known : commands) {

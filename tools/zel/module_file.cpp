@@ -60,6 +60,23 @@ std::string library_path() {
   return path;
 }
 
+const char *state_name(int state) {
+  switch (state) {
+    case ZEL_STATE_ERROR:
+      return "error";
+    case ZEL_STATE_INITIALISED:
+      return "initialised";
+    case ZEL_STATE_SELF_TEST:
+      return "self-test";
+    case ZEL_STATE_NOT_VERIFIED:
+      return "not-verified service";
+    case ZEL_STATE_VERIFIED:
+      return "verified service";
+    default:
+      return "not operational";
+  }
+}
+
 std::string companion_of(const std::string &library) { return library + ".hmac"; }
 
 std::string module_digest(const std::string &library) {

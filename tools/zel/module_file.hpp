@@ -1,4 +1,4 @@
-// The library file that is in use, and what its companion file says of it.
+// The library that is in use: its file, what the companion file says of that, and its state.
 #pragma once
 
 #include <string>
@@ -9,6 +9,9 @@ namespace zel::tool {
 
 /// The file that the library was loaded from; empty when the system does not say.
 std::string library_path();
+
+/// A state of the module in words.
+const char *state_name(int state);
 
 std::string companion_of(const std::string &library);
 

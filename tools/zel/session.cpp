@@ -4,6 +4,7 @@
 
 #include "tools/zel/console.hpp"
 #include "tools/zel/json.hpp"
+#include "zel_cc/known_answer.h"
 #include "zel_cc/state.h"
 
 namespace zel::tool {
@@ -30,6 +31,11 @@ Session::Session(std::string command, const SharedFlags &flags)
 Session::~Session() = default;
 
 void Session::choose_service() {
+  if (const int code = SELFTEST_VerifiedAlgorithm(); code != ZEL_OK) {
+    throw Failure(Exit::kSelfTest, "self-test",
+                  std::string(zel_error_text(code)) + " (" + std::to_string(code) + ")",
+                  "do not use this library; 'zel selftest' shows all tests");
+  }
   const int state = KZEL_CC_SetStateVerifiedService();
   if (state != ZEL_STATE_VERIFIED) throw library_failure("approved service", state);
   if (!flags_.legacy) return;

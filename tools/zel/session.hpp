@@ -49,7 +49,7 @@ class Session {
   }
   void set_progress_mode(ProgressMode mode) noexcept { progress_mode_ = mode; }
 
-  /// Enters the approved service, or opens the rest with one warning line.
+  /// Enters the approved service by way of the self-tests, or opens the rest with one warning line.
   void choose_service();
 
   void note(std::string_view text);     ///< with -v
