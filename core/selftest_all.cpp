@@ -21,6 +21,8 @@ int32_t SELFTEST_VerifiedAlgorithm(void) {
       SELFTEST_GMAC_ARIA128,     SELFTEST_GMAC_ARIA192,
       SELFTEST_GMAC_ARIA256,     SELFTEST_GMAC_SEED,
       SELFTEST_EntropyHeathTest, SELFTEST_SequentialRNGTest,
+      SELFTEST_RSAES_OAEP,       SELFTEST_KCDSA,
+      SELFTEST_RSASSA_PSS,
   };
   if (gate::state() < ZEL_STATE_INITIALISED) return ZEL_ERR_STATE;
   for (SelfTest *test : kTests) {

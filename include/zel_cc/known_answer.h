@@ -271,6 +271,45 @@ ZEL_API int32_t SELFTEST_CCM_ARIA256(void);
 ZEL_API int32_t SELFTEST_CCM_SEED(void);
 
 /**
+ * Tests RSAES-OAEP with a key of 2048 bits: two messages encrypted and decrypted, with SHA-224,
+ * and with SHA-256 and a label.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_RSAES_OAEP_TEST  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_RSAES_OAEP(void);
+
+/**
+ * Tests RSASSA-PSS with a key of 2048 bits, with SHA-224 and with SHA-256: the signature of
+ * another program verifies, and so does a new one.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_RSASSA_PSS_TEST  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_RSASSA_PSS(void);
+
+/**
+ * Tests RSASSA-PKCS1-v1_5 with a key of 2048 bits and SHA-256: a message signed and verified.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_RSASSA_PKCS1_TEST  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_RSASSA_PKCS1_V15(void);
+
+/**
+ * Tests KCDSA with a modulus of 2048 bits and SHA-256: the signature of the standard's example
+ * verifies, and so does a new one.
+ *
+ * @retval ZEL_OK  all answers right
+ * @retval ZEL_ERR_KCDSA_TEST  wrong: the module is now in its error state
+ * @retval ZEL_ERR_STATE  module not serving; nothing touched
+ */
+ZEL_API int32_t SELFTEST_KCDSA(void);
+
+/**
  * Tests Hash_DRBG over SHA-224: fixed entropy and nonce, two requests of 128 bytes.
  *
  * @retval ZEL_OK  all answers right

@@ -1,0 +1,41 @@
+// The key pair, the message and the signature of the KCDSA self-test: the example of
+// TTAK.KO-12.0001 with a modulus of 2048 bits and SHA-256 (tests/vectors/kcdsa.txt).
+#pragma once
+
+#include "core/known_answer.hpp"
+
+namespace zel {
+
+inline constexpr auto kKcdsaP =
+    hex("d06eb9f275b3ac7f2970b578ad1c31732a0126844776f95cf07b4194c6def6f416a66751458b0667cdbc44af3f"
+        "6b58770e674a861c8febf4eea0e50450ec527226b8470717ee768cf39cfd32bc2540d2924e0968e64d47ee4cf0"
+        "ab6cd192284b826c75082e18840b67bc4cb1f1708173f08825ba4f6e5fb86a357f02c06f8283f3cd58a1ed4d30"
+        "62f4a5c0d2f26e54c0fa511b5ed5cfd27019d4a90dda7aca50561397abeede9cff45ec6cf3e22dac5caf454b7b"
+        "9b3b5ffe16128197768114c9cd4be4e9ecdc431a0cc0ed544fd4da1c9e98a2c3cb4297fe1d1387d81c51d4925e"
+        "de6a8bbaf660ef675549b4aea5267fb5f778d5308dd69175de580ec316c4ef");
+inline constexpr auto kKcdsaQ =
+    hex("cfefed9c75b5610fdb100d91c4cb8187a007791733128ff143ffedf97f6ffd65");
+inline constexpr auto kKcdsaG =
+    hex("023fec34dfa5e5ce369dd782b07034af037ac18728d432045739b9861b0df1dcaeeb5c9ed3e025d83adcdae041"
+        "9c158b09ee35ff84ab9caa9ed4e535f982fb99e30d319537c05780a2cf31cf6bb226c66b7b3ed76b65dc658b21"
+        "6b867f186d980d30d1a95285a081c5aba363939660a57596c6212207e4e358b729bc079778b4f385824c0862cd"
+        "ce08aeb2c658c18559d3ed865cd6bed194da447fd41789c74d352ed26b56c2d128f1154f733fe71f10bf676c9f"
+        "7e4268c053d13152997a2d9bfb73fccb0dcea4c132f68f282a6db325cc467fb7f1fe2da5f80fd32cae781a7574"
+        "845a3d457120543987b348d5d75b1b954cba473f83951a8c1be717b953206c");
+inline constexpr auto kKcdsaX =
+    hex("21e2cf868d004318aca87261476dfc67c198336482fe1dcb3cbb5ba0f081158a");
+inline constexpr auto kKcdsaY =
+    hex("44ce4c95da1ff8bfbc6b7277ccc6694e1b1e6dfacf617533354da0cf6966e1562124003db09e33309a24f87c46"
+        "7917aedfeb911fd5344422063452757c40f0a0bb45acc8e462c5ac4d8dd0f92fcc80f33e4160f598682bf57116"
+        "3c43bd703c2c1827db2e2336511d84520afa97dc496240ea4a82ca2ffc646363f822d037c8138f3458a3e41bd3"
+        "a023b63cc113b33ecb3fcccc5cbed325e7ec1f07e203e9aa8e451c96fbdec927d6ee741540a90673b4f2feac07"
+        "b6f4eda08db28fdfaed8634e7ff40582ae33d8dbf377a7619ad1c006686337792943e6cd016d5534e4122bca18"
+        "d1207579ea4c90610a1496b63c23dc996b686efeb34c361f9afdcf7e8fbf9a");
+inline constexpr auto kKcdsaMsg =
+    hex("5468697320697320612074657374206d65737361676520666f72204b4344534120757361676521");
+inline constexpr auto kKcdsaR =
+    hex("59490077f98c21788509cb478ccde77a4fb5414e13cf9281cb80975b3370d97d");
+inline constexpr auto kKcdsaS =
+    hex("185f21b5dbf4255b954a4d62cf363c3273211147cba054e83a87da2dd7e0741d");
+
+}  // namespace zel
