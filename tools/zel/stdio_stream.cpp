@@ -15,8 +15,6 @@ constexpr std::size_t kFirstRoom = std::size_t{1} << 20;
 StdioStream open_stream(void *cookie, const char *mode, cookie_io_functions_t functions) {
   StdioStream stream(::fopencookie(cookie, mode, functions));
   if (!stream) throw std::bad_alloc();
-  // Whole chunks go straight from and to the caller's buffer, and no copy stays behind.
-  std::setvbuf(stream.get(), nullptr, _IONBF, 0);
   return stream;
 }
 
@@ -29,9 +27,14 @@ PieceReader::PieceReader(Input &input, std::size_t piece_len)
     return static_cast<ssize_t>(static_cast<PieceReader *>(self)->take(to, len));
   };
   stream_ = open_stream(this, "rb", functions);
+  // Without a buffer libc would read such a stream byte by byte.
+  std::setvbuf(stream_.get(), reinterpret_cast<char *>(window_.data()), _IOFBF, window_.size());
 }
 
-PieceReader::~PieceReader() { wipe(buffer_.data(), buffer_.size()); }
+PieceReader::~PieceReader() {
+  wipe(buffer_.data(), buffer_.size());
+  wipe(window_.data(), window_.size());
+}
 
 PieceReader::Piece PieceReader::next() {
   if (piece_ != 0) {
@@ -72,6 +75,8 @@ OutputStream::OutputStream(Output &output) : output_(output) {
     return static_cast<ssize_t>(static_cast<OutputStream *>(self)->put(from, len));
   };
   stream_ = open_stream(this, "wb", functions);
+  // Whole chunks go straight from the library's buffer, and no copy stays behind.
+  std::setvbuf(stream_.get(), nullptr, _IONBF, 0);
 }
 
 void OutputStream::rethrow() const {

@@ -1,6 +1,7 @@
 // The command's inputs and outputs as stdio streams, for library functions that take those.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -47,6 +48,7 @@ class PieceReader {
   std::size_t filled_ = 0;            ///< bytes in the buffer, the first of the next piece included
   std::size_t piece_ = 0;
   std::size_t read_ = 0;
+  std::array<std::uint8_t, std::size_t{64} << 10> window_{};  ///< the buffer of the stream
   StdioStream stream_;
 };
 
