@@ -1,48 +1,13 @@
 // AES through the processor's AES instructions: eight blocks side by side, or one chain. FIPS 197.
-#include <immintrin.h>
-
 #include "base/isa.hpp"
 #include "cipher/algorithms.hpp"
+#include "cipher/lanes_aesni.hpp"
 #define ZEL_KERNEL_ISA ZEL_ISA_AESNI
+#include "cipher/chain_kernel.hpp"
 #include "cipher/rijndael_kernels.hpp"
 
 namespace zel::aes {
 namespace {
-
-struct Xmm {
-  using Vector = __m128i;
-  using Block = __m128i;
-  static constexpr std::size_t kBlocks = 1;
-
-  ZEL_ISA_AESNI static Vector load(const std::uint8_t *from) noexcept {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
-  }
-  ZEL_ISA_AESNI static void store(std::uint8_t *to, Vector x) noexcept {
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(to), x);
-  }
-  ZEL_ISA_AESNI static Block load_block(const std::uint8_t *from) noexcept { return load(from); }
-  ZEL_ISA_AESNI static void store_block(std::uint8_t *to, Block x) noexcept { store(to, x); }
-  ZEL_ISA_AESNI static Vector key(const std::uint8_t *from) noexcept { return load(from); }
-  ZEL_ISA_AESNI static Vector counters(std::uint64_t high, std::uint64_t low) noexcept {
-    return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
-  }
-  ZEL_ISA_AESNI static Vector add(Vector x, std::size_t n) noexcept {
-    return _mm_add_epi64(x, _mm_set_epi64x(0, static_cast<long long>(n)));
-  }
-  ZEL_ISA_AESNI static Vector swap(Vector x) noexcept {
-    return _mm_shuffle_epi8(x, _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
-  }
-  ZEL_ISA_AESNI static Vector follow(Block block, const std::uint8_t *) noexcept { return block; }
-  ZEL_ISA_AESNI static Vector bit_xor(Vector a, Vector b) noexcept { return _mm_xor_si128(a, b); }
-  ZEL_ISA_AESNI static Vector enc(Vector x, Vector k) noexcept { return _mm_aesenc_si128(x, k); }
-  ZEL_ISA_AESNI static Vector enc_last(Vector x, Vector k) noexcept {
-    return _mm_aesenclast_si128(x, k);
-  }
-  ZEL_ISA_AESNI static Vector dec(Vector x, Vector k) noexcept { return _mm_aesdec_si128(x, k); }
-  ZEL_ISA_AESNI static Vector dec_last(Vector x, Vector k) noexcept {
-    return _mm_aesdeclast_si128(x, k);
-  }
-};
 
 struct Unit {
   /// With the word in every column the row shift of the instruction changes nothing.
@@ -57,8 +22,7 @@ struct Unit {
   }
 };
 
-/// The rounds of one link of a chain. Whatever is to be added to the result before the next link
-/// goes into the key of the last round, so that a chain is nothing but rounds.
+/// The rounds of one link of a chain, with `addend` in the key of the last one.
 template <class Size>
 ZEL_ISA_AESNI inline __m128i link(__m128i x, const std::uint8_t *keys, __m128i addend) noexcept {
   const __m128i last = _mm_xor_si128(Xmm::load(keys + kBlockLen * Size::kRounds), addend);
@@ -85,60 +49,20 @@ ZEL_ISA_AESNI void decrypt_block(std::uint8_t *block, const void *schedule) noex
   Xmm::store(block, _mm_aesdeclast_si128(x, Xmm::load(keys)));
 }
 
-/// CBC: between two links, x is the ciphertext block with the next plaintext block and the first
-/// round key added.
-template <class Size, bool kStore>
-ZEL_ISA_AESNI __m128i cbc_chain(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
-                                const std::uint8_t *keys, __m128i reg) noexcept {
-  const __m128i first = Xmm::load(keys);
-  __m128i x = _mm_xor_si128(reg, _mm_xor_si128(first, Xmm::load(in)));
-  for (; count > 1; --count) {
-    in += kBlockLen;
-    const __m128i next = _mm_xor_si128(first, Xmm::load(in));
-    x = link<Size>(x, keys, next);
-    if constexpr (kStore) {
-      Xmm::store(out, _mm_xor_si128(x, next));
-      out += kBlockLen;
-    }
+/// The same as chain_kernel.hpp takes it.
+template <class Size>
+struct Link {
+  ZEL_ISA_AESNI static __m128i first(const std::uint8_t *keys) noexcept { return Xmm::load(keys); }
+  ZEL_ISA_AESNI static __m128i run(__m128i x, const std::uint8_t *keys, __m128i addend) noexcept {
+    return link<Size>(x, keys, addend);
   }
-  x = link<Size>(x, keys, _mm_setzero_si128());
-  if constexpr (kStore) Xmm::store(out, x);
-  return x;
-}
+};
 
 template <class Size>
 ZEL_ISA_AESNI void serial(bulk::Chain kind, std::uint8_t *out, const std::uint8_t *in,
                           std::size_t count, const void *schedule, std::uint8_t *chain) noexcept {
-  using bulk::Chain;
-  if (count == 0) return;
   const auto *const keys = static_cast<const std::uint8_t *>(schedule);
-  const __m128i first = Xmm::load(keys);
-  __m128i reg = Xmm::load(chain);
-  switch (kind) {
-    case Chain::kCbcEncrypt:
-      reg = cbc_chain<Size, true>(out, in, count, keys, reg);
-      break;
-    case Chain::kCbcMac:
-      reg = cbc_chain<Size, false>(nullptr, in, count, keys, reg);
-      break;
-    case Chain::kCfbEncrypt:
-      reg = _mm_xor_si128(reg, first);
-      for (; count > 0; --count, in += kBlockLen, out += kBlockLen) {
-        reg = link<Size>(reg, keys, _mm_xor_si128(first, Xmm::load(in)));
-        Xmm::store(out, _mm_xor_si128(reg, first));
-      }
-      reg = _mm_xor_si128(reg, first);
-      break;
-    case Chain::kOfb:
-      reg = _mm_xor_si128(reg, first);
-      for (; count > 0; --count, in += kBlockLen, out += kBlockLen) {
-        reg = link<Size>(reg, keys, first);
-        Xmm::store(out, _mm_xor_si128(_mm_xor_si128(reg, first), Xmm::load(in)));
-      }
-      reg = _mm_xor_si128(reg, first);
-      break;
-  }
-  Xmm::store(chain, reg);
+  chain::serial<Link<Size>>(kind, out, in, count, keys, chain);
 }
 
 struct Counter {
