@@ -38,8 +38,17 @@ void forth_and_back(const BCIPHER_ALGORITHM &cipher, std::uint32_t key_len, std:
   secret(blocks);
   keyed.decrypt_block(blocks.data());
   keyed.decrypt(blocks.data(), blocks.data(), count);
+  std::array<std::uint8_t, ZEL_MAX_BLOCK_LEN> forth{}, back{}, chain{};
+  keyed.ctr(blocks.data(), blocks.data(), count, forth.data());
+  keyed.ctr(blocks.data(), blocks.data(), count, back.data());
   open(blocks);
   require(blocks == plain, "blocks forth and back");
+  keyed.serial(bulk::Chain::kCbcEncrypt, blocks.data(), blocks.data(), count, chain.data());
+  secret(blocks);
+  chain = {};
+  keyed.cbc_decrypt(blocks.data(), blocks.data(), count, chain.data());
+  open(blocks);
+  require(blocks == plain, "chain forth and back");
 }
 
 void approved_ciphers() {
