@@ -27,6 +27,8 @@ constexpr std::uint32_t kWordBits = 32;
 constexpr std::uint32_t kWindow = 4;
 constexpr std::uint32_t kMaxBits = 4096;
 constexpr std::uint32_t kMaxSeedLen = sizeof KCDSA_PARAM::seed;
+/// Shorter ones give so few q that a search may take hours.
+constexpr std::uint32_t kMinQBits = 16;
 /// p has so many bits more than its factors J and q were asked to have.
 constexpr std::uint32_t kSlack = 4;
 constexpr std::uint32_t kLastCount = 1U << 24;
@@ -84,7 +86,7 @@ class Search {
 
   /// Whether the seed fits its field and a product that has the top bits set fits in p.
   bool may_succeed() const noexcept {
-    return q_bits_ != 0 && q_bits_ <= 8 * kMaxSeedLen && p_bits_ <= kMaxBits &&
+    return q_bits_ >= kMinQBits && q_bits_ <= 8 * kMaxSeedLen && p_bits_ <= kMaxBits &&
            p_bits_ > q_bits_ + kSlack &&
            kWordBits * (words_of(j_bits()) + words_of(q_bits_)) <= p_bits_;
   }

@@ -343,6 +343,7 @@ TEST(Kcdsa, RefusesSizesWithoutParameters) {
   KCDSA_PARAM_EX param;
   for (const auto &[p_bits, q_bits] : {std::pair{0U, 0U},
                                        {1024U, 0U},
+                                       {1024U, 15U},
                                        {160U, 160U},
                                        {164U, 160U},
                                        {165U, 160U},

@@ -348,7 +348,7 @@ ZEL_API int32_t KCDSA_SSA_V0_File(const void *signature, FILE *stream, uint32_t 
  *
  * @param[out] param  #KCDSA_PARAM
  * @param[in]  pBits  bits of p, at most 4096
- * @param[in]  qBits  bits of q, at most 256
+ * @param[in]  qBits  bits of q, 16 to 256
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  null argument, module not serving, sizes that leave no room, or nothing
  *                          found; nothing touched
@@ -361,7 +361,7 @@ ZEL_API int32_t KCDSA_GenParam(void *param, uint32_t pBits, uint32_t qBits);
  *
  * @param[out] param  #KCDSA_PARAM_EX
  * @param[in]  pBits  bits of p, at most 2048
- * @param[in]  qBits  bits of q, at most 256; J may have 228 bytes at most
+ * @param[in]  qBits  bits of q, 16 to 256; J may have 228 bytes at most
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  as of `KCDSA_GenParam`; nothing touched
  */
