@@ -42,6 +42,25 @@ class Reader:
         assert good == 1, "tag"
         return out.raw[:content.__len__()]
 
+    def key(self, secret, header, size):
+        message = struct.pack(">I", 1) + b"zel container\0" + header + struct.pack(">I", 256)
+        return hmac.new(secret, message, "sha256").digest()[:size]
+
+    def seal(self, header, secret, data):
+        """One chunk under ARIA-256."""
+        crypto, out, len = self.crypto, ctypes.create_string_buffer(data.__len__()), ctypes.c_int()
+        context = ctypes.c_void_p(crypto.EVP_CIPHER_CTX_new())
+        algorithm = ctypes.c_void_p(crypto.EVP_get_cipherbyname(b"aria-256-gcm"))
+        nonce = header[28:35] + struct.pack(">IB", 0, 1)
+        crypto.EVP_EncryptInit_ex(context, algorithm, None, self.key(secret, header, 32), nonce)
+        crypto.EVP_EncryptUpdate(context, None, ctypes.byref(len), header, header.__len__())
+        crypto.EVP_EncryptUpdate(context, out, ctypes.byref(len), data, data.__len__())
+        tag = ctypes.create_string_buffer(TAG)
+        assert crypto.EVP_EncryptFinal_ex(context, tag, ctypes.byref(len)) == 1
+        crypto.EVP_CIPHER_CTX_ctrl(context, 0x10, TAG, tag)
+        crypto.EVP_CIPHER_CTX_free(context)
+        return header + out.raw + tag.raw
+
     def open(self, container, secret=None, passphrase=None):
         magic, version, number, source, zero, rounds, salt, prefix, end, extra = struct.unpack(
             ">4sBBBBI16s7sBI", container[:HEADER])
@@ -50,9 +69,7 @@ class Reader:
             secret = hashlib.pbkdf2_hmac("sha256", passphrase, salt, rounds)
         cipher = CIPHERS[number - 1]
         header, body = container[:HEADER], container[HEADER:]
-        message = struct.pack(">I", 1) + b"zel container\0" + header + struct.pack(">I", 256)
-        size = 16 if cipher == "seed" else int(cipher[-3:]) // 8
-        key = hmac.new(secret, message, "sha256").digest()[:size]
+        key = self.key(secret, header, 16 if cipher == "seed" else int(cipher[-3:]) // 8)
         pieces = [body[i:i + CHUNK + TAG] for i in range(0, len(body), CHUNK + TAG)]
         return b"".join(
             self.gcm(cipher, key, prefix + struct.pack(">IB", i, i == len(pieces) - 1), header, piece)
@@ -108,6 +125,39 @@ class Container(ContainerTest):
         for rounds in (0, 999, 10000001, 0xffffffff):  # too few to be safe, too many to wait for
             self.write("r.zel", container[:8] + struct.pack(">I", rounds) + container[12:])
             self.zel("decrypt", "--passphrase-file", "pass", "r.zel", exit=MALFORMED)
+
+    def test_rsa_recipients(self):
+        for name, bits in (("me", 2048), ("you", 3072), ("small", 1024)):
+            self.other("openssl", "genpkey", "-algorithm", "RSA", "-pkeyopt", f"rsa_keygen_bits:{bits}",
+                       "-out", f"{name}.pem")
+            self.other("openssl", "pkey", "-in", f"{name}.pem", "-pubout", "-out", f"{name}.pub")
+        self.write("f", b"for you")
+        self.zel("encrypt", "-r", "you.pub", "f")
+        container = (self.folder / "f.zel").read_bytes()
+        size = HEADER + 32 + 384
+        self.assertEqual(len(container), size + 7 + TAG)
+        der = self.run_program("openssl", "pkey", "-pubin", "-in", "you.pub", "-outform", "DER").stdout
+        self.assertEqual(container[HEADER:HEADER + 32], hashlib.sha256(der).digest())
+        # openssl finds the secret in it, and what it wraps, with a seed of its own, is opened.
+        self.write("wrapped", container[HEADER + 32:size])
+        self.other("openssl", "pkeyutl", "-decrypt", "-inkey", "you.pem", "-in", "wrapped", "-out", "secret",
+                   "-pkeyopt", "rsa_padding_mode:oaep", "-pkeyopt", "rsa_oaep_md:sha256")
+        secret = (self.folder / "secret").read_bytes()
+        self.assertEqual(len(secret), 32)
+        self.other("openssl", "pkeyutl", "-encrypt", "-pubin", "-inkey", "you.pub", "-in", "secret", "-out",
+                   "wrapped", "-pkeyopt", "rsa_padding_mode:oaep", "-pkeyopt", "rsa_oaep_md:sha256")
+        header = container[:HEADER + 32] + (self.folder / "wrapped").read_bytes()
+        self.write("theirs.zel", Reader().seal(header, secret, b"from them"))
+        self.assertEqual(self.zel("decrypt", "-r", "you.pem", "theirs.zel", "-o", "-").stdout, b"from them")
+        self.assertEqual(self.zel("decrypt", "-r", "you.pem", "f.zel", "-o", "-").stdout, b"for you")
+        self.zel("decrypt", "-r", "me.pem", "f.zel", "-o", "-", exit=MISMATCH)
+        for i in (HEADER, HEADER + 31, HEADER + 32, HEADER + 200, size - 1):
+            changed = bytearray(container)
+            changed[i] ^= 1
+            self.zel("decrypt", "-r", "you.pem", "-o", "out", exit=MISMATCH, stdin=bytes(changed))
+        self.zel("decrypt", "-r", "you.pub", "f.zel", "-o", "-", exit=USAGE)
+        self.zel("decrypt", "-k", "key", "f.zel", "-o", "-", exit=USAGE)
+        self.zel("encrypt", "-r", "small.pub", "-f", "f", exit=MALFORMED)
 
     def test_every_changed_byte_is_found(self):
         container = self.seal(b"hello")

@@ -16,7 +16,7 @@ constexpr std::array<std::uint8_t, 4> kMagic{'Z', 'E', 'L', 'C'};
 constexpr std::uint8_t kVersion = 1;
 constexpr std::size_t kFixedLen = 40;
 constexpr std::size_t kLongestModulus = 512;
-constexpr std::size_t kShortestModulus = 128;
+constexpr std::size_t kShortestModulus = 256;
 constexpr std::uint32_t kFewestRounds = 1'000;
 constexpr std::uint32_t kMostRounds = 10'000'000;
 constexpr std::string_view kSuffix = "-gcm";

@@ -14,6 +14,9 @@
 
 namespace zel::tool {
 
+/// Bytes of a secret that is not the content of a key file.
+inline constexpr std::size_t kSecretLen = 32;
+
 /// Where the secret comes from, as the header numbers it.
 enum class SecretSource : std::uint8_t { kPassphrase = 1, kKeyFile = 2, kRsa = 3 };
 

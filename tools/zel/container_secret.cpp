@@ -3,15 +3,16 @@
 #include <string_view>
 
 #include "tools/zel/failure.hpp"
+#include "tools/zel/generator.hpp"
 #include "tools/zel/key_file.hpp"
 #include "tools/zel/key_source.hpp"
 #include "tools/zel/passphrase.hpp"
 #include "tools/zel/pbkdf2.hpp"
+#include "tools/zel/recipient.hpp"
 
 namespace zel::tool {
 namespace {
 
-constexpr std::size_t kSecretLen = 32;
 constexpr std::size_t kLeastKeyFile = 16;
 
 /// The one source that was named. A passphrase that is given needs no -p.
@@ -85,6 +86,13 @@ Secret make_secret(Session &session, const SecretOptions &options, ContainerHead
   }
   header.source = *source;
   if (*source == SecretSource::kKeyFile) return from_key_file(session, *options.key_file);
+  if (*source == SecretSource::kRsa) {
+    Secret secret(kSecretLen);
+    Generator().fill(secret.room());
+    secret.grow(kSecretLen);
+    header.recipient = wrap_for_recipient(session, *options.rsa_key, secret.bytes());
+    return secret;
+  }
   header.rounds = kPbkdf2Rounds;
   return from_passphrase(obtain_new_passphrase(passphrase_source(session), file), header);
 }
@@ -96,6 +104,9 @@ Secret find_secret(Session &session, const SecretOptions &options, const Contain
   const bool suits = source ? *source == header.source : header.source == SecretSource::kPassphrase;
   if (!suits) throw Failure(Exit::kUsage, file, option_for(header.source), "");
   if (header.source == SecretSource::kKeyFile) return from_key_file(session, *options.key_file);
+  if (header.source == SecretSource::kRsa) {
+    return unwrap_as_recipient(session, *options.rsa_key, file, header.recipient);
+  }
   return from_passphrase(obtain_passphrase(passphrase_source(session), file), header);
 }
 
