@@ -17,7 +17,7 @@ import unittest
 import support
 from support import DONE, FILE, USAGE, ZEL, ToolTest, available
 
-COMMANDS = ["hash", "mac", "rand", "prime", "split", "combine", "reissue", "selftest", "integrity", "keygen", "key", "sign", "verify", "info", "completion"]
+COMMANDS = ["hash", "mac", "rand", "prime", "split", "combine", "reissue", "selftest", "integrity", "keygen", "key", "sign", "verify", "encrypt", "decrypt", "raw", "info", "completion"]
 
 
 def listen(terminal, seconds=60):
@@ -225,6 +225,8 @@ class Texts(ToolTest):
         self.assertEqual(complete("zel", "hash", "--progress", "=", "al"), ["always"])
         self.assertEqual(complete("zel", "hash", "-a", "ripe"), ["ripemd160"])
         self.assertEqual(complete("zel", "completion", ""), ["bash", "zsh", "fish"])
+        self.assertEqual(complete("zel", "key", "c"), ["check", "convert"])
+        self.assertEqual(complete("zel", "key", "check", "scr"), ["script"])
         self.assertEqual(complete("zel", "hash", "-a", "sha1", "scr"), ["script"])
 
     def test_scripts_of_the_other_shells_parse(self):

@@ -58,7 +58,7 @@ std::string bash_script(const Commands &commands) {
   return "# bash completion for zel\n"
          "_zel() {\n"
          "  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}\n"
-         "  local options='' choices='' positional='' files=''\n"
+         "  local options='' choices='' positional='' files='' word\n"
          "  if [[ $current == = ]]; then current=''; fi\n"
          "  if [[ $previous == = ]]; then previous=${COMP_WORDS[COMP_CWORD-2]}; fi\n"
          "  if ((COMP_CWORD == 1)); then\n"
@@ -71,6 +71,9 @@ std::string bash_script(const Commands &commands) {
          cases +
          "    *) return ;;\n"
          "  esac\n"
+         "  for word in \"${COMP_WORDS[@]:2:COMP_CWORD-2}\"; do\n"
+         "    if [[ \" $positional \" == *\" $word \"* ]]; then positional=''; fi\n"
+         "  done\n"
          "  if [[ $choices ]]; then\n"
          "    mapfile -t COMPREPLY < <(compgen -W \"$choices\" -- \"$current\")\n"
          "  elif [[ ! $files && $current == -* ]]; then\n"
@@ -119,8 +122,10 @@ std::string zsh_script(const Commands &commands) {
     for (const Option &option : options_of(command))
       cases += zsh_option(option);
     const auto choices = first_words(command);
-    cases += choices.empty() ? "        '*:file:_files' ;;\n"
-                             : "        '1:word:(" + joined(choices) + ")' ;;\n";
+    if (!choices.empty()) cases += "        '1:word:(" + joined(choices) + ")'";
+    const bool files = choices.empty() || command.positionals.size() > 1;
+    if (files) cases += std::string(choices.empty() ? "" : " \\\n") + "        '*:file:_files'";
+    cases += " ;;\n";
   }
   return "#compdef zel\n"
          "_zel() {\n"
@@ -172,7 +177,8 @@ std::string fish_script(const Commands &commands) {
     for (const Option &option : options_of(command))
       script += fish_option(when, option);
     const auto words = first_words(command);
-    if (!words.empty()) script += when + " -f -a '" + joined(words) + "'\n";
+    const char *files = command.positionals.size() > 1 ? "" : " -f";
+    if (!words.empty()) script += when + files + " -a '" + joined(words) + "'\n";
   }
   return script;
 }
