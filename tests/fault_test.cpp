@@ -19,8 +19,8 @@ struct Service {
 std::vector<Service> refusing_services() {
   std::vector<Service> services;
   for (const Gate &gate : all_gates()) {
-    if (gate.answers[0].kind == Expected::Kind::kRefuses)
-      services.push_back({&gate, gate.prepare()});
+    const bool serves = gate.answers[0].kind == Expected::Kind::kServes;
+    if (!serves && !gate.name.starts_with("KZEL_CC_")) services.push_back({&gate, gate.prepare()});
   }
   return services;
 }

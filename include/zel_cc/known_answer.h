@@ -4,9 +4,11 @@
  * public functions on fixed data and compares, and the runs of several of them.
  *
  * All of them behave alike. From state 3 or 4 a test works in the self-test state (2), which holds
- * for every thread of the process, and returns to the state that it came from; state 1 stays. Run
- * in the self-test state, a test that passes ends it: the module is then in the saved state. A
- * wrong answer, and a service that reports an error, leave the module in its error state (-98).
+ * for every thread of the process, and returns to the state that it came from; state 1 stays. While
+ * a test runs in the verified service, other threads are also served algorithms that are not
+ * approved: run the tests before there are other threads. Run in the self-test state, a test that
+ * passes ends it: the module is then in the saved state. A wrong answer, and a service that reports
+ * an error, leave the module in its error state (-98).
  *
  * The data are published test vectors; the sources of the tests say which.
  */
