@@ -9,13 +9,16 @@
 namespace zel {
 namespace {
 
-/// The map of each byte.
-template <class Lanes>
-ZEL_KERNEL typename Lanes::Vector map_bytes(const NibbleMap &map,
-                                            typename Lanes::Vector x) noexcept {
-  const auto low = Lanes::bit_and(x, Lanes::every_byte(15));
-  return Lanes::bit_xor(Lanes::lookup(Lanes::key(map.low.data()), low),
-                        Lanes::lookup(Lanes::key(map.high.data()), Lanes::high_nibbles(x)));
+/// The map of each byte, in one instruction where the processor has it.
+template <class Lanes, const NibbleMap &kMap>
+ZEL_KERNEL typename Lanes::Vector map_bytes(typename Lanes::Vector x) noexcept {
+  if constexpr (requires { Lanes::kHasAffine; }) {
+    return Lanes::template affine<matrix_of(kMap), kMap(0)>(x);
+  } else {
+    const auto low = Lanes::bit_and(x, Lanes::every_byte(15));
+    return Lanes::bit_xor(Lanes::lookup(Lanes::key(kMap.low.data()), low),
+                          Lanes::lookup(Lanes::key(kMap.high.data()), Lanes::high_nibbles(x)));
+  }
 }
 
 /// Any number of registers side by side, each step for all of them before the next.
@@ -46,14 +49,14 @@ struct AriaBlocks {
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < kVectors; ++i) {
       s1[i] = Lanes::enc_last(x[i], Lanes::zero());
-      x2[i] = Lanes::dec_last(map_bytes<Lanes>(kBefore, x[i]), Lanes::zero());
+      x2[i] = Lanes::dec_last(map_bytes<Lanes, kBefore>(x[i]), Lanes::zero());
       x[i] = Lanes::dec_last(x[i], Lanes::zero());
     }
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < kVectors; ++i) {
       x[i] = Lanes::bit_xor(both(x[i], gather.shuffles[kBoxX1]), next_key);
       x[i] = Lanes::bit_xor(x[i], both(s1[i], gather.shuffles[kBoxS1]));
-      s1[i] = map_bytes<Lanes>(kAfter, s1[i]);
+      s1[i] = map_bytes<Lanes, kAfter>(s1[i]);
     }
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < kVectors; ++i) {
@@ -69,8 +72,8 @@ struct AriaBlocks {
     for (std::size_t i = 0; i < kVectors; ++i) {
       const Vector s1 = Lanes::enc_last(x[i], Lanes::zero());
       const Vector x1 = Lanes::dec_last(x[i], Lanes::zero());
-      const Vector x2 = Lanes::dec_last(map_bytes<Lanes>(kBefore, x[i]), Lanes::zero());
-      const Vector s2 = map_bytes<Lanes>(kAfter, s1);
+      const Vector x2 = Lanes::dec_last(map_bytes<Lanes, kBefore>(x[i]), Lanes::zero());
+      const Vector s2 = map_bytes<Lanes, kAfter>(s1);
       const Vector s =
           Lanes::bit_xor(shuffled(s1, kLastGather[kBoxS1]), shuffled(s2, kLastGather[kBoxS2]));
       const Vector t =

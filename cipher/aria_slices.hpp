@@ -106,11 +106,11 @@ struct AriaSlices {
     for (std::size_t c = 0; c < 16; c += 4) {
       Vector &s1 = x[c + kS], &s2 = x[c + kS + 1], &x1 = x[c + kX], &x2 = x[c + kX + 1];
       s2 = Lanes::enc_last(s2, Lanes::gather(key[c + kS + 1]));
-      x2 = map_bytes<Lanes>(kBefore, x2);
+      x2 = map_bytes<Lanes, kBefore>(x2);
       s1 = Lanes::enc_last(s1, Lanes::gather(key[c + kS]));
       x1 = Lanes::dec_last(x1, Lanes::gather(key[c + kX]));
       x2 = Lanes::dec_last(x2, Lanes::gather(key[c + kX + 1]));
-      s2 = map_bytes<Lanes>(kAfter, s2);
+      s2 = map_bytes<Lanes, kAfter>(s2);
       Vector &first = kOdd ? x1 : s1, &second = kOdd ? x2 : s2;
       first = realigned(first);
       second = realigned(second);
@@ -195,7 +195,7 @@ struct AriaSlices {
       const Vector at15 = Lanes::bit_xor(last, Lanes::every_byte(keys.whitening[15]));
       const Vector u14 = realigned(Lanes::dec_last(at14, Lanes::gather(keys.bytes[0][14])));
       const Vector u15 = realigned(
-          Lanes::dec_last(map_bytes<Lanes>(kBefore, at15), Lanes::gather(keys.bytes[0][15])));
+          Lanes::dec_last(map_bytes<Lanes, kBefore>(at15), Lanes::gather(keys.bytes[0][15])));
 #pragma GCC unroll 16
       for (std::size_t i = 0; i < 16; ++i) {
         x[i] = keys.first[i];

@@ -20,7 +20,7 @@ constexpr bulk::Ops ops() noexcept {
           .decrypt = Paths::decrypt,
           .ctr = Paths::ctr,
           .cbc_decrypt = Paths::cbc_decrypt,
-          .serial = aria_serial<kRounds>};
+          .serial = aria_serial<Xmm, kRounds>};
 }
 
 }  // namespace
