@@ -1,9 +1,12 @@
 // The self-tests as shipped: they pass on every processor, and leave the state as they should.
 // CTest runs each test in a process of its own.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "tests/support/features.hpp"
 #include "tests/support/self_tests.hpp"
+#include "tests/support/short_memory.hpp"
 
 namespace {
 
@@ -35,6 +38,35 @@ TEST(SelfTests, ReturnToTheStateTheyCameFrom) {
       EXPECT_EQ(KZEL_CC_GetState(), state);
     }
   }
+}
+
+// A service that reports an error fails its test as a wrong answer does, and nothing is held then.
+// Each time in a process of its own, with one more block of memory until there is enough.
+TEST(SelfTests, FailWhereMemoryIsShort) {
+  enum Outcome { kFailsAsItShould, kPasses, kWrong };
+  int failures = 0;
+  for (const SelfTest &test : kSelfTests) {
+    for (int blocks = 0, outcome = kFailsAsItShould; outcome == kFailsAsItShould; ++blocks) {
+      const pid_t child = fork();
+      if (child == 0) {
+        g_held = 0;
+        g_allocations_left = blocks;
+        const int32_t code = test.run();
+        if (code == ZEL_OK) _exit(kPasses);
+        // The entropy collector frees what did not come from calloc.
+        const bool right =
+            code == test.code && KZEL_CC_GetState() == ZEL_STATE_ERROR && g_held <= 0;
+        _exit(right ? kFailsAsItShould : kWrong);
+      }
+      int status = 0;
+      ASSERT_EQ(waitpid(child, &status, 0), child);
+      ASSERT_TRUE(WIFEXITED(status));
+      outcome = WEXITSTATUS(status);
+      ASSERT_NE(outcome, kWrong) << test.name << " with " << blocks << " blocks";
+      failures += outcome == kFailsAsItShould ? 1 : 0;
+    }
+  }
+  EXPECT_GE(failures, 12) << "every cipher of every mode has a key on the heap";
 }
 
 TEST(SelfTests, TheOrderedRunOpensTheVerifiedServiceFromStateOneAlone) {
