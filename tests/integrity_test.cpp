@@ -43,7 +43,10 @@ class Integrity : public testing::Test {
     char folder[] = "/tmp/zel-integrity-XXXXXX";
     top_ = mkdtemp(folder);
   }
-  ~Integrity() override { fs::remove_all(top_); }
+  ~Integrity() override {
+    fs::remove_all(top_);
+    KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+  }
 
   /// A library file in a folder of its own, with a good companion.
   fs::path library(const std::string &folder, const std::string &content = "module",
