@@ -8,6 +8,7 @@
 #include "tools/zel/failure.hpp"
 #include "tools/zel/key_objects.hpp"
 #include "tools/zel/pss.hpp"
+#include "zel_cc/kcdsa.h"
 #include "zel_cc/rsa.h"
 
 namespace zel::tool {
@@ -20,10 +21,7 @@ struct Record {
   PKCRYPT_SIGNATURE head;
   union {
     MINT numbers[2];  ///< RSA has one, DSA r and s
-    struct {
-      std::uint8_t r[ZEL_MAX_DIGEST_LEN];
-      MINT s;
-    } kcdsa;
+    KCDSA_SIGNATURE_BODY kcdsa;
   };
 };
 
