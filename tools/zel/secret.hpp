@@ -17,7 +17,9 @@ class Secret {
   Secret &operator=(const Secret &) = delete;
   Secret(Secret &&) noexcept = default;
   Secret &operator=(Secret &&) = delete;
-  ~Secret() { wipe(bytes_.data(), bytes_.size()); }
+  ~Secret() {
+    if (!bytes_.empty()) wipe(bytes_.data(), bytes_.size());  // empty once it was moved from
+  }
 
   std::span<const std::uint8_t> bytes() const noexcept { return {bytes_.data(), len_}; }
   std::span<std::uint8_t> room() noexcept { return std::span(bytes_).subspan(len_); }
