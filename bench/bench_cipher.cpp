@@ -29,14 +29,14 @@ void modes(const CipherNames &cipher, bool portable) {
     BCIPHER_Initialize(&context, mode.mode, nullptr, cipher.descriptor);
     const std::string operation = std::string(cipher.name) + '-' + mode.name;
     throughput(
-        {kCipherGroup, operation, std::to_string(kCipherSize), portable ? "zel-portable" : "zel"},
-        kCipherSize,
-        [key, context, portable, decrypt = mode.decrypt, in = message(kCipherSize),
-         out = message(kCipherSize)]() mutable {
+        {kCipherGroup, operation, std::to_string(mode.size), portable ? "zel-portable" : "zel"},
+        mode.size,
+        [key, context, portable, decrypt = mode.decrypt, size = mode.size, in = message(mode.size),
+         out = message(mode.size)]() mutable {
           const Portable masked(portable);
           std::uint32_t len = 0;
-          (decrypt ? BCIPHER_Decrypt : BCIPHER_Encrypt)(out.data(), &len, in.data(), kCipherSize,
-                                                        &context, key, 0);
+          (decrypt ? BCIPHER_Decrypt : BCIPHER_Encrypt)(
+              out.data(), &len, in.data(), static_cast<std::uint32_t>(size), &context, key, 0);
         });
   }
 }

@@ -42,12 +42,14 @@ struct ModeNames {
   std::uint8_t mode;
   bool decrypt;
   const char *openssl;
+  std::size_t size = kCipherSize;  ///< of a message
 };
 
 inline constexpr ModeNames kModes[] = {
-    {"ecb", ZEL_MODE_ECB, false, "ECB"}, {"ecb-dec", ZEL_MODE_ECB, true, "ECB"},
-    {"cbc", ZEL_MODE_CBC, false, "CBC"}, {"cbc-dec", ZEL_MODE_CBC, true, "CBC"},
-    {"ctr", ZEL_MODE_CTR, false, "CTR"},
+    {"ecb", ZEL_MODE_ECB, false, "ECB"},     {"ecb-dec", ZEL_MODE_ECB, true, "ECB"},
+    {"cbc", ZEL_MODE_CBC, false, "CBC"},     {"cbc-dec", ZEL_MODE_CBC, true, "CBC"},
+    {"ctr", ZEL_MODE_CTR, false, "CTR"},     {"ctr", ZEL_MODE_CTR, false, "CTR", 1024},
+    {"ctr", ZEL_MODE_CTR, false, "CTR", 64},
 };
 
 }  // namespace zel::bench

@@ -14,15 +14,15 @@ std::vector<std::uint8_t> key_bytes(std::uint32_t len) { return message(len); }
 
 void add(const CipherNames &cipher, const ModeNames &mode) {
   const Name name{kCipherGroup, std::string(cipher.name) + '-' + mode.name,
-                  std::to_string(kCipherSize), "botan"};
+                  std::to_string(mode.size), "botan"};
   if (mode.mode == ZEL_MODE_ECB) {
     Botan::BlockCipher *const block = Botan::BlockCipher::create(cipher.botan).release();
     if (block == nullptr) return;
     block->set_key(key_bytes(cipher.key_len));
-    throughput(name, kCipherSize,
-               [block, decrypt = mode.decrypt, in = message(kCipherSize),
-                out = message(kCipherSize)]() mutable {
-                 const std::size_t count = kCipherSize / block->block_size();
+    throughput(name, mode.size,
+               [block, decrypt = mode.decrypt, size = mode.size, in = message(mode.size),
+                out = message(mode.size)]() mutable {
+                 const std::size_t count = size / block->block_size();
                  if (decrypt) {
                    block->decrypt_n(in.data(), out.data(), count);
                  } else {
@@ -38,10 +38,11 @@ void add(const CipherNames &cipher, const ModeNames &mode) {
     if (stream == nullptr) return;
     stream->set_key(key_bytes(cipher.key_len));
     stream->set_iv(iv.data(), iv.size());
-    throughput(name, kCipherSize,
-               [stream, in = message(kCipherSize), out = message(kCipherSize)]() mutable {
-                 stream->cipher(in.data(), out.data(), kCipherSize);
-               });
+    throughput(
+        name, mode.size,
+        [stream, size = mode.size, in = message(mode.size), out = message(mode.size)]() mutable {
+          stream->cipher(in.data(), out.data(), size);
+        });
     return;
   }
   Botan::Cipher_Mode *const object =
@@ -52,8 +53,8 @@ void add(const CipherNames &cipher, const ModeNames &mode) {
   object->set_key(key_bytes(cipher.key_len));
   object->start(iv);
   // It works in place alone.
-  throughput(name, kCipherSize, [object, data = message(kCipherSize)]() mutable {
-    object->process(data.data(), kCipherSize);
+  throughput(name, mode.size, [object, size = mode.size, data = message(mode.size)]() mutable {
+    object->process(data.data(), size);
   });
 }
 

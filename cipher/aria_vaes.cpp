@@ -5,6 +5,7 @@
 #include "cipher/lanes_vaes.hpp"
 #define ZEL_KERNEL_ISA ZEL_ISA_VAES
 #include "cipher/aria_chain.hpp"
+#include "cipher/aria_counter_mac.hpp"
 #include "cipher/aria_kernels.hpp"
 
 namespace zel {
@@ -20,7 +21,8 @@ constexpr bulk::Ops ops() noexcept {
           .decrypt = Paths::decrypt,
           .ctr = Paths::ctr,
           .cbc_decrypt = Paths::cbc_decrypt,
-          .serial = aria_serial<Xmm, kRounds>};
+          .serial = aria_serial<Xmm, kRounds>,
+          .counter_mac = aria_counter_mac<Ymm, kRounds>};
 }
 
 }  // namespace

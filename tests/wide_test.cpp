@@ -120,6 +120,34 @@ TEST_P(WideCipher, ChainsAreDecipheredFromEveryLength) {
   }
 }
 
+// Counter mode and the MAC of either side in one pass.
+TEST_P(WideCipher, CounterModeBesideAMacIsBoth) {
+  for (const FeatureSet &set : feature_sets()) {
+    const FeatureMask mask(set.mask);
+    const bulk::Cipher cipher(*key_);
+    for (const auto what : {bulk::MacOf::kInput, bulk::MacOf::kOutput}) {
+      for (std::size_t count = 0; count < 10; ++count) {
+        SCOPED_TRACE(set.name + ", " + std::to_string(count) + " blocks");
+        Bytes counter(kLen, 0xff), mac(kLen, 0x44), counter_after = counter, mac_after = mac;
+        counter.back() = counter_after.back() = 0xfa;
+        Bytes expected(count * kLen);
+        cipher.ctr(expected.data(), text_.data(), count, counter_after.data());
+        cipher.serial(bulk::Chain::kCbcMac, nullptr,
+                      what == bulk::MacOf::kInput ? text_.data() : expected.data(), count,
+                      mac_after.data());
+        const auto [out, both] = apart_and_in_place(count, [&](auto *to, const auto *from) {
+          Bytes at = counter, sum = mac;
+          cipher.counter_mac(what, to, from, count, at.data(), sum.data());
+          EXPECT_EQ(at, counter_after);
+          EXPECT_EQ(sum, mac_after);
+        });
+        ASSERT_EQ(out, expected);
+        ASSERT_EQ(both, expected);
+      }
+    }
+  }
+}
+
 std::vector<CipherRow> wide_ciphers() {
   std::vector<CipherRow> rows;
   for (const CipherRow &row : kCiphers)
