@@ -15,15 +15,7 @@ using Blocks = AriaBlocks<Xmm>;
 /// From so many blocks on, sixteen are done in slices.
 constexpr std::size_t kFewest = 7;
 
-template <unsigned kRounds>
-constexpr bulk::Ops ops() noexcept {
-  using Paths = AriaPaths<AriaKernel<Xmm, kFewest>, kRounds>;
-  return {.encrypt = Paths::encrypt,
-          .decrypt = Paths::decrypt,
-          .ctr = Paths::ctr,
-          .cbc_decrypt = Paths::cbc_decrypt,
-          .serial = aria_serial<Xmm, kRounds>};
-}
+using Kernel = AriaKernel<Xmm, kFewest>;
 
 }  // namespace
 
@@ -44,9 +36,9 @@ ZEL_ISA_AESNI void aria_crypt_aesni(std::uint8_t *block, const std::uint8_t *key
 
 namespace bulk {
 
-constinit const Ops aria128_aesni = ops<12>();
-constinit const Ops aria192_aesni = ops<14>();
-constinit const Ops aria256_aesni = ops<16>();
+constinit const Ops aria128_aesni = aria_ops<Kernel, 12>(aria_serial<Xmm, 12>, nullptr);
+constinit const Ops aria192_aesni = aria_ops<Kernel, 14>(aria_serial<Xmm, 14>, nullptr);
+constinit const Ops aria256_aesni = aria_ops<Kernel, 16>(aria_serial<Xmm, 16>, nullptr);
 
 }  // namespace bulk
 }  // namespace zel

@@ -32,24 +32,18 @@ struct XmmAffine : Xmm {
 /// From so many blocks on, 32 are done in slices.
 constexpr std::size_t kFewest = 11;
 
-template <unsigned kRounds>
-constexpr bulk::Ops ops() noexcept {
-  using Paths = AriaPaths<AriaKernel<YmmAffine, kFewest>, kRounds>;
-  return {.encrypt = Paths::encrypt,
-          .decrypt = Paths::decrypt,
-          .ctr = Paths::ctr,
-          .cbc_decrypt = Paths::cbc_decrypt,
-          .serial = aria_serial<XmmAffine, kRounds>,
-          .counter_mac = aria_counter_mac<YmmAffine, kRounds>};
-}
+using Kernel = AriaKernel<YmmAffine, kFewest>;
 
 }  // namespace
 
 namespace bulk {
 
-constinit const Ops aria128_gfni = ops<12>();
-constinit const Ops aria192_gfni = ops<14>();
-constinit const Ops aria256_gfni = ops<16>();
+constinit const Ops aria128_gfni =
+    aria_ops<Kernel, 12>(aria_serial<XmmAffine, 12>, aria_counter_mac<YmmAffine, 12>);
+constinit const Ops aria192_gfni =
+    aria_ops<Kernel, 14>(aria_serial<XmmAffine, 14>, aria_counter_mac<YmmAffine, 14>);
+constinit const Ops aria256_gfni =
+    aria_ops<Kernel, 16>(aria_serial<XmmAffine, 16>, aria_counter_mac<YmmAffine, 16>);
 
 }  // namespace bulk
 }  // namespace zel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cipher/aria_slices.hpp"
+#include "cipher/bulk.hpp"
 
 namespace zel {
 namespace {
@@ -27,7 +28,7 @@ class AriaKernel {
   static constexpr std::size_t kMostVectors = 4;
   static constexpr std::size_t kMostBlocks = wide::kBlocksOf<Lanes, kMostVectors>;
   /// What the compiler keeps of registers in memory during a step of slices.
-  static constexpr std::size_t kSpilled = 1024;
+  static constexpr std::size_t kSpilled = 1792;
 
   /// What is left to do.
   template <class Operation>
@@ -138,6 +139,17 @@ struct AriaPaths {
     Kernel::cbc_decrypt(out, in, count, {schedule, kRounds}, chain);
   }
 };
+
+template <class Kernel, unsigned kRounds>
+constexpr bulk::Ops aria_ops(bulk::SerialFn serial, bulk::CounterMacFn counter_mac) noexcept {
+  using Paths = AriaPaths<Kernel, kRounds>;
+  return {.encrypt = Paths::encrypt,
+          .decrypt = Paths::decrypt,
+          .ctr = Paths::ctr,
+          .cbc_decrypt = Paths::cbc_decrypt,
+          .serial = serial,
+          .counter_mac = counter_mac};
+}
 
 }  // namespace
 }  // namespace zel

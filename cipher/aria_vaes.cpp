@@ -14,24 +14,18 @@ namespace {
 /// From so many blocks on, 32 are done in slices.
 constexpr std::size_t kFewest = 11;
 
-template <unsigned kRounds>
-constexpr bulk::Ops ops() noexcept {
-  using Paths = AriaPaths<AriaKernel<Ymm, kFewest>, kRounds>;
-  return {.encrypt = Paths::encrypt,
-          .decrypt = Paths::decrypt,
-          .ctr = Paths::ctr,
-          .cbc_decrypt = Paths::cbc_decrypt,
-          .serial = aria_serial<Xmm, kRounds>,
-          .counter_mac = aria_counter_mac<Ymm, kRounds>};
-}
+using Kernel = AriaKernel<Ymm, kFewest>;
 
 }  // namespace
 
 namespace bulk {
 
-constinit const Ops aria128_vaes = ops<12>();
-constinit const Ops aria192_vaes = ops<14>();
-constinit const Ops aria256_vaes = ops<16>();
+constinit const Ops aria128_vaes =
+    aria_ops<Kernel, 12>(aria_serial<Xmm, 12>, aria_counter_mac<Ymm, 12>);
+constinit const Ops aria192_vaes =
+    aria_ops<Kernel, 14>(aria_serial<Xmm, 14>, aria_counter_mac<Ymm, 14>);
+constinit const Ops aria256_vaes =
+    aria_ops<Kernel, 16>(aria_serial<Xmm, 16>, aria_counter_mac<Ymm, 16>);
 
 }  // namespace bulk
 }  // namespace zel
