@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "tools/zel/ciphers.hpp"
 #include "tools/zel/failure.hpp"
 #include "tools/zel/generator.hpp"
 #include "tools/zel/pbkdf2.hpp"
@@ -73,22 +74,16 @@ class Cbc {
     if (key_ == nullptr) throw library_failure("encrypted key", ZEL_ERR_STATE);
     Secret derived(scheme.cipher->key_len);
     pbkdf2(passphrase, scheme.salt, scheme.rounds, *scheme.prf, derived.room());
-    check(BCIPHER_MakeKey(key_, derived.room().data(), scheme.cipher->key_len,
+    check(BCIPHER_MakeKey(key_.get(), derived.room().data(), scheme.cipher->key_len,
                           scheme.cipher->algorithm));
     check(BCIPHER_Initialize(&context_, ZEL_MODE_CBC, scheme.iv.data(), scheme.cipher->algorithm));
   }
-  ~Cbc() {
-    BCIPHER_WipeKey(key_);
-    BCIPHER_DelKey(key_);
-  }
-  Cbc(const Cbc &) = delete;
-  Cbc &operator=(const Cbc &) = delete;
 
   Secret encrypt(View plain) {
     Secret out(plain.size() + ZEL_MAX_BLOCK_LEN);
     std::uint32_t len = 0;
     check(BCIPHER_Encrypt(out.room().data(), &len, plain.data(),
-                          static_cast<std::uint32_t>(plain.size()), &context_, key_, 1));
+                          static_cast<std::uint32_t>(plain.size()), &context_, key_.get(), 1));
     out.grow(len);
     return out;
   }
@@ -98,7 +93,7 @@ class Cbc {
     Secret out(sealed.size());
     std::uint32_t len = 0;
     check(BCIPHER_Decrypt(out.room().data(), &len, sealed.data(),
-                          static_cast<std::uint32_t>(sealed.size()), &context_, key_, 0));
+                          static_cast<std::uint32_t>(sealed.size()), &context_, key_.get(), 0));
     out.grow(len);
     const std::uint8_t padding = out.bytes().back();
     const auto end = out.bytes().last(std::min<std::size_t>(padding, out.bytes().size()));
@@ -112,7 +107,7 @@ class Cbc {
   }
 
  private:
-  BCIPHER_KEY *key_;
+  CipherKey key_;
   BCIPHER_CONTEXT context_{};
 };
 
