@@ -84,6 +84,25 @@ struct Xmm {
   ZEL_ISA_AESNI static Vector greater(Vector a, Vector b) noexcept {
     return _mm_min_epu8(_mm_subs_epu8(a, b), every_byte(1));
   }
+
+  // Words of many blocks side by side.
+
+  ZEL_ISA_AESNI static Vector every_word(std::uint32_t value) noexcept {
+    return _mm_set1_epi32(static_cast<int>(value));
+  }
+  ZEL_ISA_AESNI static Vector add_words(Vector a, Vector b) noexcept { return _mm_add_epi32(a, b); }
+  ZEL_ISA_AESNI static Vector unpack_low32(Vector a, Vector b) noexcept {
+    return _mm_unpacklo_epi32(a, b);
+  }
+  ZEL_ISA_AESNI static Vector unpack_high32(Vector a, Vector b) noexcept {
+    return _mm_unpackhi_epi32(a, b);
+  }
+  ZEL_ISA_AESNI static Vector unpack_low64(Vector a, Vector b) noexcept {
+    return _mm_unpacklo_epi64(a, b);
+  }
+  ZEL_ISA_AESNI static Vector unpack_high64(Vector a, Vector b) noexcept {
+    return _mm_unpackhi_epi64(a, b);
+  }
 };
 
 }  // namespace

@@ -104,6 +104,27 @@ struct Ymm {
   ZEL_ISA_VAES static Vector greater(Vector a, Vector b) noexcept {
     return _mm256_min_epu8(_mm256_subs_epu8(a, b), every_byte(1));
   }
+
+  // Words of many blocks side by side.
+
+  ZEL_ISA_VAES static Vector every_word(std::uint32_t value) noexcept {
+    return _mm256_set1_epi32(static_cast<int>(value));
+  }
+  ZEL_ISA_VAES static Vector add_words(Vector a, Vector b) noexcept {
+    return _mm256_add_epi32(a, b);
+  }
+  ZEL_ISA_VAES static Vector unpack_low32(Vector a, Vector b) noexcept {
+    return _mm256_unpacklo_epi32(a, b);
+  }
+  ZEL_ISA_VAES static Vector unpack_high32(Vector a, Vector b) noexcept {
+    return _mm256_unpackhi_epi32(a, b);
+  }
+  ZEL_ISA_VAES static Vector unpack_low64(Vector a, Vector b) noexcept {
+    return _mm256_unpacklo_epi64(a, b);
+  }
+  ZEL_ISA_VAES static Vector unpack_high64(Vector a, Vector b) noexcept {
+    return _mm256_unpackhi_epi64(a, b);
+  }
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ consteval Tables make_tables() {
 constexpr Tables kTables = make_tables();
 static_assert(kTables[0][0] == 0x2989a1a8);
 
-/// Looks up tables by secrets: only where there is no AES unit.
+/// Looks up tables by secrets: only where there is no AES unit, or where the build asked for it.
 inline std::uint32_t g_tables(std::uint32_t word) noexcept {
   return kTables[0][word & 0xff] ^ kTables[1][word >> 8 & 0xff] ^ kTables[2][word >> 16 & 0xff] ^
          kTables[3][word >> 24];
@@ -67,12 +67,14 @@ void crypt_tables(std::uint8_t *block, const std::uint8_t *keys, std::ptrdiff_t 
 }
 
 void encrypt(std::uint8_t *block, const std::uint8_t *keys) noexcept {
-  if (cpu::has(cpu::Feature::kAesni)) return seed_encrypt_aesni(block, keys);
+  if (!kSeedByTables && cpu::has(cpu::Feature::kGfni)) return seed_encrypt_gfni(block, keys);
+  if (!kSeedByTables && cpu::has(cpu::Feature::kAesni)) return seed_encrypt_aesni(block, keys);
   crypt_tables(block, keys, 8);
 }
 
 void decrypt(std::uint8_t *block, const std::uint8_t *keys) noexcept {
-  if (cpu::has(cpu::Feature::kAesni)) return seed_decrypt_aesni(block, keys);
+  if (!kSeedByTables && cpu::has(cpu::Feature::kGfni)) return seed_decrypt_gfni(block, keys);
+  if (!kSeedByTables && cpu::has(cpu::Feature::kAesni)) return seed_decrypt_aesni(block, keys);
   crypt_tables(block, keys + 8 * (kRounds - 1), -8);
 }
 

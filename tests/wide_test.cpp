@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kLen = 16;
 /// Three times the widest step, and some more.
-constexpr std::size_t kMost = 3 * 32 + 3;
+constexpr std::size_t kMost = 3 * 64 + 3;
 
 class WideCipher : public ::testing::TestWithParam<CipherRow> {
  protected:
