@@ -6,6 +6,7 @@
 #include "base/cpu.hpp"
 #include "base/ct.hpp"
 #include "cipher/bulk.hpp"
+#include "cipher/seed.hpp"
 #include "tests/ct/probe.hpp"
 #include "zel_cc.h"
 
@@ -49,13 +50,21 @@ void forth_and_back(const BCIPHER_ALGORITHM &cipher, std::uint32_t key_len, std:
   keyed.cbc_decrypt(blocks.data(), blocks.data(), count, chain.data());
   open(blocks);
   require(blocks == plain, "chain forth and back");
+  secret(blocks);
+  std::array<std::uint8_t, ZEL_MAX_BLOCK_LEN> mac{};
+  forth = back = chain = {};
+  keyed.counter_mac(bulk::MacOf::kInput, blocks.data(), blocks.data(), 3, forth.data(), mac.data());
+  keyed.counter_mac(bulk::MacOf::kOutput, blocks.data(), blocks.data(), 3, back.data(),
+                    chain.data());
+  open(blocks);
+  require(blocks == plain, "counters beside a MAC");
 }
 
 void approved_ciphers() {
   forth_and_back(aria, 16, 70);
   forth_and_back(aria192, 24, 33);
   forth_and_back(aria256, 32, 5);
-  forth_and_back(seed, 16, 70);
+  if (!kSeedByTables) forth_and_back(seed, 16, 70);
 }
 
 const Probe kApproved{"ARIA and SEED with AES instructions", [] {
