@@ -31,12 +31,12 @@ using Bytes16 = std::array<std::uint8_t, 16>;
 
 /// Where byte `k` of word `c` stands when all have been substituted, with the row rotation of the
 /// AES instructions or without.
-consteval std::size_t place(std::size_t c, std::size_t k, bool rotated) {
+constexpr std::size_t place(std::size_t c, std::size_t k, bool rotated) {
   return 4 * (rotated ? (c + 4 - k) % 4 : c) + k;
 }
 
 /// Byte `k` of each word, in all places of the word.
-consteval Bytes16 spread(std::size_t k, bool rotated) {
+constexpr Bytes16 spread(std::size_t k, bool rotated) {
   Bytes16 from{};
   for (std::size_t i = 0; i < 16; ++i)
     from[i] = static_cast<std::uint8_t>(place(i / 4, k, rotated));
@@ -44,7 +44,7 @@ consteval Bytes16 spread(std::size_t k, bool rotated) {
 }
 
 /// Bytes 0 and 2 of each word, which go through the first box, before bytes 1 and 3.
-consteval Bytes16 by_box(bool rotated) {
+constexpr Bytes16 by_box(bool rotated) {
   Bytes16 from{};
   for (std::size_t c = 0; c < 4; ++c)
     for (std::size_t k = 0; k < 4; ++k)
@@ -53,7 +53,7 @@ consteval Bytes16 by_box(bool rotated) {
 }
 
 /// What byte `k` of a substituted word gives to each byte of the sum, little-endian.
-consteval Bytes16 mask_of(std::size_t k) {
+constexpr Bytes16 mask_of(std::size_t k) {
   Bytes16 mask{};
   for (std::size_t i = 0; i < 16; ++i)
     mask[i] = kSeedMasks[(k + i) % 4];
