@@ -12,7 +12,6 @@ namespace zel {
 
 /// Zeroes memory in a way that the compiler cannot drop.
 inline void wipe(void *from, std::size_t len) noexcept {
-  if (len == 0) return;  // `from` may then be null
   std::memset(from, 0, len);
   __asm__ volatile("" : : "r"(from) : "memory");
 }
