@@ -47,9 +47,10 @@ class SeedKernel {
   template <class Operation>
   ZEL_KERNEL_ISA static void run(std::uint8_t *out, const std::uint8_t *in, std::size_t count,
                                  const SeedKeys &keys, std::uint8_t *chain) noexcept {
-    // What a step leaves in memory: blocks, and what does not fit the registers.
-    constexpr std::size_t kLeft = 4096;
-    constexpr std::size_t kLeftByFew = 1024;
+    // What a step leaves in memory: blocks, and what does not fit the registers; as deep as GCC and
+    // Clang go, and some more.
+    constexpr std::size_t kLeft = 5632;
+    constexpr std::size_t kLeftByFew = 1536;
     Work<Operation> work{out, in, count, keys, Operation::begin(chain)};
     const auto body = [&work] {
       take_all(work);
