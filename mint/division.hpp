@@ -32,9 +32,10 @@ inline Limb divide_2by1(Limb &high, Limb low, Limb d) noexcept {
 /// Which of the corrections a division took. The library counts nothing; a test may.
 struct NoEvents {
   void equal_top() noexcept {}  ///< leading limbs are the divisor's: largest quotient limb
-  void estimate_lowered(bool) noexcept {}  ///< three by two: whether the estimate was one too large
-  void estimate_raised() noexcept {}       ///< three by two: one more fitted after all
-  void add_back() noexcept {}              ///< still one too large for the divisor's lower limbs
+  void estimate_lowered(bool /*too_large*/) noexcept {
+  }                                   ///< three by two: whether the estimate was one too large
+  void estimate_raised() noexcept {}  ///< three by two: one more fitted after all
+  void add_back() noexcept {}         ///< still one too large for the divisor's lower limbs
 };
 
 /// r = 2^(64 n) - a; whether that does not fit because a is zero.

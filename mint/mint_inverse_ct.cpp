@@ -2,6 +2,7 @@
 // D. J. Bernstein and B.-Y. Yang, "Fast constant-time gcd computation and modular inversion", IACR
 // Transactions on Cryptographic Hardware and Embedded Systems, 2019, issue 3.
 #include "base/ct.hpp"
+#include "base/wipe.hpp"
 #include "mint/record.hpp"
 #include "mint/secret.hpp"
 
@@ -177,12 +178,11 @@ constexpr std::size_t steps_for(std::size_t bits) noexcept {
   return bits < 46 ? (49 * bits + 80) / 17 : (49 * bits + 57) / 17;
 }
 
-}  // namespace
+/// Bytes of the stack below an inversion, rounded up: its numbers and what the compiler adds.
+constexpr std::size_t kStackDepth = 6144;
 
-std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept {
-  const std::uint32_t n_len = significant(n);
-  if (&r == &n || &a == &n) return ZEL_ERR_GENERIC;
-  if (!is_odd(n)) return refuse(r);
+/// r = 1/a mod n for an odd n of `n_len` words that is neither a nor r.
+std::int32_t invert(MINT &r, const MINT &a, const MINT &n, std::uint32_t n_len) noexcept {
   const std::size_t bits = 32 * std::max<std::size_t>(n_len, used(a));
   const std::size_t size = std::max<std::size_t>(digits_of(bits + 2), 2);
   Wiped<Numbers> x;
@@ -220,6 +220,15 @@ std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept {
   return static_cast<std::int32_t>(ct::select(static_cast<std::uint32_t>(exists),
                                               static_cast<std::uint32_t>(ZEL_OK),
                                               static_cast<std::uint32_t>(ZEL_ERR_NO_INVERSE)));
+}
+
+}  // namespace
+
+std::int32_t inverse_secret(MINT &r, const MINT &a, const MINT &n) noexcept {
+  const std::uint32_t n_len = significant(n);
+  if (&r == &n || &a == &n) return ZEL_ERR_GENERIC;
+  if (!is_odd(n)) return refuse(r);
+  return with_wiped_stack<kStackDepth>([&] { return invert(r, a, n, n_len); });
 }
 
 }  // namespace zel::mint

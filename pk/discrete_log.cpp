@@ -7,6 +7,7 @@
 #include "core/gate.hpp"
 #include "hash/algorithms.hpp"
 #include "mint/secret_exp.hpp"
+#include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_mont.h"
 #include "zel_cc/rng.h"
 
@@ -24,11 +25,18 @@ bool is_inert(const HASH_ALGORITHM &hash) noexcept {
           is_same(&hash, zel_own_ripemd160, ripemd160));
 }
 
+/// Whether p divides a.
+bool is_multiple(const MINT &a, const MINT &p) noexcept {
+  MINT rest = a;
+  if (MINT_Compare(&a, &p) >= 0) MINT_ModClassic(&rest, &p);
+  return MINT_GetBitLength(&rest) == 0;
+}
+
 }  // namespace
 
 bool Group::is_usable() const noexcept {
   return is_odd_above_one(p) && is_odd_above_one(q) && MINT_Compare(&q, &p) <= 0 && fits(g) &&
-         MINT_GetBitLength(&g) != 0;
+         !is_multiple(g, p);
 }
 
 bool Group::power(MINT &r, const MINT &e) const noexcept {

@@ -16,8 +16,9 @@ namespace zel::pk {
 /// Draws of a nonce or key until the caller's group is given up. Of the numbers that a group asks
 /// for one in 256 fits at least.
 inline constexpr std::uint32_t kDraws = 1U << 16;
-/// Rounds of a search whose every round is a power; with a real group the first or second ends it.
-inline constexpr std::uint32_t kRounds = 1000;
+/// Rounds of a search whose every round is a power; with a real group the first or second ends it,
+/// and with numbers that are none the powers may take long.
+inline constexpr std::uint32_t kRounds = 128;
 
 inline bool fits(const MINT &a) noexcept { return a.length <= ZEL_MINT_WORDS; }
 inline std::uint32_t byte_len(std::uint32_t bits) noexcept { return (bits + 7) / 8; }
@@ -28,8 +29,8 @@ struct Group {
   const MINT &q;
   const MINT &g;
 
-  /// Whether the arithmetic has its ground: p and q odd and above 1, q not above p, g not zero, all
-  /// within a record. Nothing is tested for being prime.
+  /// Whether the arithmetic has its ground: p and q odd and above 1, q not above p, g not zero
+  /// modulo p, all within a record. Nothing is tested for being prime.
   bool is_usable() const noexcept;
   std::uint32_t p_bits() const noexcept { return MINT_GetBitLength(&p); }
   std::uint32_t q_bits() const noexcept { return MINT_GetBitLength(&q); }

@@ -27,8 +27,6 @@ constexpr std::uint32_t kWordBits = 32;
 constexpr std::uint32_t kWindow = 4;
 constexpr std::uint32_t kMaxBits = 4096;
 constexpr std::uint32_t kMaxSeedLen = sizeof KCDSA_PARAM::seed;
-/// Shorter ones give so few q that a search may take hours.
-constexpr std::uint32_t kMinQBits = 16;
 /// p has so many bits more than its factors J and q were asked to have.
 constexpr std::uint32_t kSlack = 4;
 constexpr std::uint32_t kLastCount = 1U << 24;
@@ -86,7 +84,7 @@ class Search {
 
   /// Whether the seed fits its field and a product that has the top bits set fits in p.
   bool may_succeed() const noexcept {
-    return q_bits_ >= kMinQBits && q_bits_ <= 8 * kMaxSeedLen && p_bits_ <= kMaxBits &&
+    return q_bits_ != 0 && q_bits_ <= 8 * kMaxSeedLen && p_bits_ <= kMaxBits &&
            p_bits_ > q_bits_ + kSlack &&
            kWordBits * (words_of(j_bits()) + words_of(q_bits_)) <= p_bits_;
   }
@@ -97,7 +95,7 @@ class Search {
     if (!random || !pk::fill_from_drbg(found.seed_bytes.data(), 8 * found.seed_len)) return false;
     for (std::uint32_t seeds = kSeeds; seeds != 0; --seeds) {
       if (!derive(found.j, prng_, j_bits(), found.seed_bytes.data(), found.seed_len)) return false;
-      if (is_prime(found.j, j_bits()) && find_primes(found)) return find_generator(found);
+      if (is_prime(found.j, p_bits_ - q_bits_) && find_primes(found)) return find_generator(found);
       std::array<std::uint8_t, kMaxSeedLen> fresh;
       random.fill(fresh.data(), found.seed_len);
       xor_bytes(found.seed_bytes.data(), found.seed_bytes.data(), fresh.data(), found.seed_len);
@@ -119,15 +117,22 @@ class Search {
     return false;
   }
 
+  /// h below p. False when none of very many draws is.
+  bool draw_base(Found &found) const noexcept {
+    for (std::uint32_t draws = pk::kDraws; draws != 0; --draws) {
+      MINT_Rand(&found.h, p_bits_);
+      if (MINT_Compare(&found.h, &found.p) < 0) return true;
+    }
+    return false;
+  }
+
   bool find_generator(Found &found) const noexcept {
     MINT exponent = found.j;
     MINT one;
     MINT_SetByInteger(&one, 1);
     MINT_RandInit();
     for (std::uint32_t rounds = kWordBits; rounds != 0; --rounds) {
-      do {
-        MINT_Rand(&found.h, p_bits_);
-      } while (MINT_Compare(&found.h, &found.p) >= 0);
+      if (!draw_base(found)) return false;
       // Deliberate: doubled in every round, so that a second one raises to 4 J.
       MINT_LeftShift(&exponent, 1);
       if (MINT_ExpWin(&found.g, &found.h, &exponent, &found.p, kWindow) != ZEL_OK) return false;

@@ -173,11 +173,66 @@ TEST(Dsa, HostileNumbersAreRefused) {
   MINT_SetByInteger(&trivial.param.g, 1);
   MINT_SetByInteger(&trivial.y, 1);
   EXPECT_EQ(trivial.verify(), ZEL_ERR_GENERIC);
+  // A multiple of p, of which every power is zero.
+  Case multiple = good;
+  MINT_Add(&multiple.param.g, &good.param.p, &good.param.p);
+  EXPECT_EQ(all(multiple, "multiple of p"), ZEL_ERR_GENERIC);
   // A group of two elements, in which most nonces fail.
   MINT_SetByInteger(&trivial.param.p, 7);
   MINT_SetByInteger(&trivial.param.q, 3);
   MINT_SetByInteger(&trivial.param.g, 2);
   EXPECT_EQ(all(trivial, "tiny"), ZEL_ERR_GENERIC);
+}
+
+// With a nonce, or its inverse, a signature gives the key away.
+TEST(Dsa, LeavesNoNonceOnTheStack) {
+  if (!OnOwnStack::kCounts) GTEST_SKIP() << "true of GCC's release";
+  static Case c = some_case();
+  static DSA_SIGNATURE_BODY made;
+  for (uint8_t round = 1; round <= 8; ++round) {
+    Bytes k(MINT_GetBitLength(&c.param.q) / 8);
+    for (std::size_t i = 0; i < k.size(); ++i)
+      k[i] = static_cast<uint8_t>(37 * i + round);
+    g_draws = {k};
+    g_seedings = 0;
+    const OnOwnStack own([] { DSA_SP(&made, c.msg.data(), &c.x, &c.param, c.hash); });
+    EXPECT_EQ(g_seedings, 1);
+    EXPECT_TRUE(g_draws.empty());
+    EXPECT_FALSE(left_behind(own, number_of(k), c.param.q));
+    EXPECT_FALSE(left_behind(own, c.x, c.param.q));
+  }
+}
+
+TEST(Dsa, RefusesNullArgumentsAndFirstOfAllTheVerifiedService) {
+  Case c = some_case();
+  DSA_SIGNATURE_BODY made = c.body;
+  MINT x, y;
+  uint8_t out[64];
+  uint32_t len = 0;
+  const auto *const text = c.msg.data();
+  Stream stream(c.msg);
+  const auto refuses = [](auto function, auto... given) {
+    KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);
+    for (const int32_t status : with_each_null(function, given...))
+      EXPECT_EQ(status, ZEL_ERR_GENERIC);
+    KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+    EXPECT_EQ(with_nothing(function), ZEL_ERR_APPROVED);
+  };
+  refuses(DSA_EMSA1, out, &len, text, 9, c.hash);
+  refuses(DSA_EMSA1_File, out, &len, stream.file, 9, c.hash);
+  refuses(DSA_SP, &made, text, &c.x, &c.param, c.hash);
+  refuses(DSA_VP, &made, text, &c.y, &c.param, c.hash);
+  refuses(DSA_SSA_S, &made, text, 9, &c.x, &c.param, c.hash);
+  refuses(DSA_SSA_S_Hash, &made, text, 9, &c.x, &c.param, c.hash);
+  refuses(DSA_SSA_S_File, &made, stream.file, 9, &c.x, &c.param, c.hash);
+  refuses(DSA_SSA_V, &made, text, 9, &c.y, &c.param, c.hash);
+  refuses(DSA_SSA_V_Hash, &made, text, 9, &c.y, &c.param, c.hash);
+  refuses(DSA_SSA_V_File, &made, stream.file, 9, &c.y, &c.param, c.hash);
+  refuses(DSA_GenParam, &c.param, 512, 160);
+  refuses(DSA_CheckParam, &c.param);
+  refuses(DSA_GenKey, &x, &y, &c.param);
+  refuses(DSA_CheckKey, &c.x, &c.y, &c.param);
+  refuses(DSA_CheckKeyPair, &c.x, &c.y, &c.param);
 }
 
 TEST(Dsa, HashFormsReadTheDigestLength) {
@@ -209,7 +264,9 @@ TEST(Dsa, GeneratesParametersAndKeysThatServe) {
     g_draws = {Bytes((q_bits + 7) / 8, 0xff)};
     MINT want = number_of(g_draws.front());
     MINT_ModClassic(&want, &numbers->q);
+    g_seedings = 0;
     ASSERT_EQ(PKCRYPT_GenKey(pri, pub, param, 0), ZEL_OK);
+    EXPECT_EQ(g_seedings, 1);
     EXPECT_EQ(hex_of(*static_cast<const MINT *>(pri->buf)), hex_of(want));
     EXPECT_EQ(PKCRYPT_CheckKey(pri, pub, param), ZEL_OK);
     DSA_SIGNATURE signature{};
@@ -234,7 +291,6 @@ TEST(Dsa, RefusesSizesWithoutParameters) {
                                        {512U, 10U},
                                        {160U, 160U},
                                        {160U, 512U},
-                                       {161U, 160U},
                                        {4161U, 160U},
                                        {0xffffffffU, 0xfffffffeU}}) {
     EXPECT_EQ(DSA_GenParam(&param, p_bits, q_bits), ZEL_ERR_GENERIC) << p_bits << " " << q_bits;

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "support/mint.hpp"
+#include "tests/support/nulls.hpp"
+#include "tests/support/own_stack.hpp"
 #include "zel_cc.h"
 
 // The C library's generator, repeatable: the program's definition wins over the library's. Between
@@ -319,6 +321,43 @@ TEST_F(SharedLine, CodesOfReissue) {
   set.shares[0] = share;
   set.shares[0].x.words[0] = ((6 ^ 3) << 16) | (6 ^ 1);  // what MINT_Rand makes of these draws
   EXPECT_EQ(reissue(set), -1);
+}
+
+TEST(SharingStates, TheVerifiedServiceRefusesBeforeAnythingElse) {
+  KZEL_CC_SetState(ZEL_STATE_VERIFIED);
+  EXPECT_EQ(with_nothing(KEYSHAREFS_Gen2SharedInfo), ZEL_ERR_APPROVED);
+  EXPECT_EQ(with_nothing(KEYSHAREFS_Gen3SharedInfo), ZEL_ERR_APPROVED);
+  EXPECT_EQ(with_nothing(KEYSHAREFS_Recover2SharedInfo), ZEL_ERR_APPROVED);
+  EXPECT_EQ(with_nothing(KEYSHAREFS_Recover3SharedInfo), ZEL_ERR_APPROVED);
+  EXPECT_EQ(with_nothing(KEYSHAREFS_Repro2SharedInfo), ZEL_ERR_APPROVED);
+}
+
+TEST_F(SharedLine, LeavesNothingOnTheStack) {
+  if (!OnOwnStack::kCounts) GTEST_SKIP() << "true of GCC's release";
+  static Set set;
+  static std::uint8_t out[ZEL_MINT_BYTES];
+  static std::uint32_t len;
+  for (const std::uint32_t secret_len : {20, 32, 64}) {
+    const Bytes secret = random_bytes(secret_len);
+    ASSERT_EQ(KEYSHAREFS_Gen2SharedInfo(&set, secret.data(), secret_len, 2), ZEL_OK);
+    const OnOwnStack own([] { KEYSHAREFS_Recover2SharedInfo(out, &len, &set); });
+    EXPECT_EQ(Bytes(out, out + len), without_leading_zeros(secret));
+    EXPECT_FALSE(own.holds_number(secret));
+    // What the secret is a product of: the numerator, and the inverse of the difference.
+    const mpz_class p = value_of(set.prime), x0 = value_of(set.shares[0].x),
+                    x1 = value_of(set.shares[1].x);
+    const mpz_class numerator =
+        (value_of(set.shares[1].y) * x0 + (p - value_of(set.shares[0].y)) * x1) % p;
+    mpz_class inverse = (p + x0 - x1) % p;
+    mpz_invert(inverse.get_mpz_t(), inverse.get_mpz_t(), p.get_mpz_t());
+    for (const mpz_class &value : {numerator, inverse, mpz_class(p - inverse)}) {
+      const MINT number = record(value);
+      std::uint8_t bytes[ZEL_MINT_BYTES];
+      std::uint32_t bytes_len = 0;
+      MINT_WriteInByteArray(bytes, &bytes_len, &number);
+      EXPECT_FALSE(own.holds_number(Bytes(bytes, bytes + bytes_len)));
+    }
+  }
 }
 
 // Whatever a set holds, the call ends, stays in bounds and agrees with Lagrange's formula in GMP.

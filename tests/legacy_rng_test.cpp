@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 
+#include "tests/support/nulls.hpp"
 #include "tests/support/vectors.hpp"
 #include "zel_cc.h"
 
@@ -214,6 +215,42 @@ TEST(DsaRng, RefusesASeedThatIsItsKey) {
             ZEL_ERR_DSA_RNG_REPEAT);
   EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_ERROR);
   EXPECT_EQ(DSARNGSHA1_GetRandomNum(out, 40), ZEL_ERR_STATE);
+}
+
+// Sums of one byte soon come again: the second value is the first one, and ends the module.
+TEST(DsaRng, RefusesARepeatedValue) {
+  const Bytes t = from_hex("67452301efcdab8998badcfe10325476c3d2e1f0"), q(20, 0xff);
+  const uint8_t xseed = 0x21, xkey = 0x01;
+  uint8_t out[40];
+  uint32_t lens[2];
+  EXPECT_EQ(DSARNGSHA1_GenerateX(out, lens, &xseed, 1, &xkey, 1, t.data(), q.data(), 20, 2),
+            ZEL_ERR_GENERIC);
+  EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_ERROR);
+}
+
+TEST(LegacyGenerators, RefuseNullArguments) {
+  RANDANSI_CONTEXT ansi{};
+  RANDHASH_CONTEXT hash{};
+  const Bytes seed(20, 1), xkey(20, 2), q(20, 3);
+  uint8_t out[40];
+  uint32_t lens[2];
+  // There is nothing to give, but no crash.
+  with_each_null(RANDANSI_Initialize, &ansi);
+  with_each_null(RANDANSI_GetRandomNum, out, 12, &ansi);
+  with_each_null(RANDHASH_Initialize, &hash);
+  with_each_null(RANDHASH_GetRandomNum, out, 12, &hash);
+  const auto refuses = [](auto function, auto... given) {
+    for (const int32_t status : with_each_null(function, given...))
+      EXPECT_EQ(status, ZEL_ERR_GENERIC);
+  };
+  refuses(DSARNGSHA1_G, out, seed.data(), xkey.data(), 160);
+  refuses(DSARNGSHA1_GenerateX, out, lens, seed.data(), 20, xkey.data(), 20, seed.data(), q.data(),
+          20, 2);
+  refuses(DSARNGSHA1_GetRandomNum, out, 20);
+  for (const auto prng : {KCDSARNGHAS160_PRNG, KCDSARNGSHA224_PRNG, KCDSARNGSHA256_PRNG})
+    refuses(prng, out, 161, seed.data(), 160);
+  refuses(KCDSARNGHAS160_GenerateX, out, lens, seed.data(), 20, xkey.data(), 20, q.data(), 20, 2);
+  EXPECT_EQ(KZEL_CC_GetState(), ZEL_STATE_NOT_VERIFIED);
 }
 
 TEST(KcdsaRng, RefusesASeedThatIsItsKey) {

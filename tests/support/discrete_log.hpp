@@ -9,6 +9,8 @@
 #include <deque>
 #include <map>
 
+#include "tests/support/nulls.hpp"
+#include "tests/support/own_stack.hpp"
 #include "tests/support/vectors.hpp"
 #include "zel_cc.h"
 
@@ -16,6 +18,8 @@ namespace zel::test {
 
 /// What the next draws from RANDHASH bring; when it is empty they are random.
 inline std::deque<Bytes> g_draws;
+/// How often RANDHASH was initialised with the 160 bits of a seed that was drawn right before.
+inline int g_seedings = 0;
 /// All that Hash_DRBG brings meanwhile.
 inline constexpr uint8_t kDrbgByte = 0x5a;
 
@@ -27,12 +31,25 @@ inline MINT number_of(const Bytes &bytes) {
 }
 inline MINT number_of(const Vector &v, const std::string &name) { return number_of(v.bytes(name)); }
 
-inline std::string hex_of(const MINT &a) {
+inline Bytes bytes_of(const MINT &a) {
   Bytes bytes(ZEL_MINT_BYTES);
   uint32_t len = 0;
   MINT_WriteInByteArray(bytes.data(), &len, &a);
   bytes.resize(len);
-  return to_hex(bytes);
+  return bytes;
+}
+inline std::string hex_of(const MINT &a) { return to_hex(bytes_of(a)); }
+
+/// Whether a call left a secret modulo q, or its inverse, on the stack, with one sign or the other.
+inline bool left_behind(const OnOwnStack &own, const MINT &secret, const MINT &q) {
+  MINT inverse;
+  MINT_Inverse(&inverse, &secret, &q);
+  return std::ranges::any_of(
+      std::array{&secret, static_cast<const MINT *>(&inverse)}, [&](const MINT *value) {
+        MINT minus;
+        MINT_Sub(&minus, &q, value);
+        return own.holds_number(bytes_of(*value)) || own.holds_number(bytes_of(minus));
+      });
 }
 
 /// Whole bytes of hex without zeros in front.

@@ -45,6 +45,22 @@ class OnOwnStack {
     }
     return false;
   }
+  /// The same for a big-endian number, which may also stand there in digits to the base 2^62.
+  bool holds_number(const Bytes &number) const {
+    if (holds(number)) return true;
+    constexpr std::size_t kDigitBits = 62;
+    for (std::size_t from = 0; from < 8 * number.size(); from += kDigitBits) {
+      Bytes digit(8);
+      for (std::size_t i = 0; i < kDigitBits && from + i < 8 * number.size(); ++i) {
+        const std::size_t at = from + i;
+        const uint8_t bit = number[number.size() - 1 - at / 8] >> at % 8 & 1;
+        digit[7 - i / 8] |= static_cast<uint8_t>(bit << i % 8);
+      }
+      // One that begins with a zero byte may stand there by chance.
+      if (digit[1] != 0 && holds(digit)) return true;
+    }
+    return false;
+  }
 
  private:
   Bytes stack_ = Bytes(1 << 16);
