@@ -270,43 +270,6 @@ TEST(Kcdsa, LeavesNeitherNonceNorKeyOnTheStack) {
   }
 }
 
-TEST(Kcdsa, RefusesNullArguments) {
-  Case c = some_case();
-  KCDSA_PARAM_EX extended{};
-  MINT x, y;
-  uint8_t out[64], z[64] = {};
-  uint32_t len = 0;
-  uint8_t *const text = c.msg.data();
-  Stream stream(c.msg);
-  KCDSA_SIGNATURE_BODY *const body = &c.body;
-  const auto refuses = [](auto function, auto... given) {
-    for (const int32_t status : with_each_null(function, given...))
-      EXPECT_EQ(status, ZEL_ERR_GENERIC);
-  };
-  refuses(KCDSA_EMSA1, out, &len, text, 9, z, 9, c.hash);
-  refuses(KCDSA_EMSA1_File, out, &len, stream.file, 9, z, 9, c.hash);
-  refuses(KCDSA_SP, body, text, &c.x, &c.param, c.hash);
-  refuses(KCDSA_VP, body, text, &c.y, &c.param, c.hash);
-  refuses(KCDSA_SSA_S, body, text, 9, &c.x, &c.param, c.hash, &c.y);
-  refuses(KCDSA_SSA_S_File, body, stream.file, 9, &c.x, &c.param, c.hash, &c.y);
-  refuses(KCDSA_SSA_S_Hash, body, text, 9, &c.x, &c.param, c.hash, z);
-  refuses(KCDSA_SSA_S0, body, text, 9, &c.x, &c.param, c.hash, z);
-  refuses(KCDSA_SSA_S0_File, body, stream.file, 9, &c.x, &c.param, c.hash, z);
-  refuses(KCDSA_SSA_V, body, text, 9, &c.y, &c.param, c.hash);
-  refuses(KCDSA_SSA_V_File, body, stream.file, 9, &c.y, &c.param, c.hash);
-  refuses(KCDSA_SSA_V_Hash, body, text, 9, &c.y, &c.param, c.hash);
-  refuses(KCDSA_SSA_V0, body, text, 9, &c.y, &c.param, c.hash, z);
-  refuses(KCDSA_SSA_V0_File, body, stream.file, 9, &c.y, &c.param, c.hash, z);
-  refuses(KCDSA_GenParam, &c.param, 320, 160);
-  refuses(KCDSA_GenParamEx, &extended, 320, 160);
-  refuses(KCDSA_CheckParam, &c.param);
-  refuses(KCDSA_GenKey, &x, &y, &c.param);
-  refuses(KCDSA_GenKeyEx, &x, &y, &extended);
-  refuses(KCDSA_GenKey_UDK, &x, &y, &c.param, text, 9);
-  refuses(KCDSA_CheckKey, &c.x, &c.y, &c.param);
-  refuses(KCDSA_CheckKeyPair, &c.x, &c.y, &c.param);
-}
-
 // The published seeds give the published numbers, and the check knows their own generator alone.
 TEST(Kcdsa, GeneratesThePublishedParameters) {
   for (const Vector &v : read_vectors("kcdsa_params")) {
@@ -465,24 +428,6 @@ TEST(Kcdsa, ExtendedKeysFollowFromTheirRecord) {
     EXPECT_EQ(hex_of(x), hex_of(want)) << v.place;
     EXPECT_EQ(KCDSA_CheckKey(&x, &y, &c.param), ZEL_OK);
   }
-}
-
-TEST(Kcdsa, RefusesSizesWithoutParameters) {
-  KCDSA_PARAM_EX param;
-  for (const auto &[p_bits, q_bits] : {std::pair{0U, 0U},
-                                       {1024U, 0U},
-                                       {160U, 160U},
-                                       {164U, 160U},
-                                       {165U, 160U},
-                                       {1023U, 160U},
-                                       {1025U, 257U},
-                                       {4128U, 256U},
-                                       {0xffffffffU, 160U},
-                                       {160U, 0xffffffffU}}) {
-    EXPECT_EQ(KCDSA_GenParam(&param, p_bits, q_bits), ZEL_ERR_GENERIC) << p_bits << " " << q_bits;
-    EXPECT_EQ(KCDSA_GenParamEx(&param, p_bits, q_bits), ZEL_ERR_GENERIC) << p_bits << " " << q_bits;
-  }
-  EXPECT_EQ(KCDSA_GenParamEx(&param, 2048, 160), ZEL_ERR_GENERIC) << "J is longer than its field";
 }
 
 TEST(Kcdsa, ServesThroughTheFrontEndInTheVerifiedService) {

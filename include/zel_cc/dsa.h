@@ -232,7 +232,10 @@ ZEL_API int32_t DSA_SSA_V_File(const void *signature, FILE *stream, uint32_t len
 ZEL_API int32_t DSA_GenParam(void *param, uint32_t pBits, uint32_t qBits);
 
 /**
- * Validates domain parameters: p and q are prime, g is of order q, and q divides p - 1 once only.
+ * Validates domain parameters: p and q are prime, g < p, g^q = 1 modulo p, and q does not divide the
+ * quotient (p - 1) / q.
+ *
+ * So g = 1 passes, and that q divides p - 1 is not asked for itself: any other g asks for it.
  *
  * @param[in] param  #DSA_PARAM
  * @retval ZEL_OK            valid

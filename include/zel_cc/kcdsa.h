@@ -128,7 +128,8 @@ ZEL_API int32_t KCDSA_EMSA1_File(uint8_t *out, uint32_t *out_len, FILE *stream, 
  * @param[in]     hash        says how long the hash value is, and hashes g^k
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  null argument, module not serving, no memory, or parameters that admit
- * no signature; nothing touched Standard: TTAK.KO-12.0001.
+ *                          no signature; nothing touched
+ * Standard: TTAK.KO-12.0001.
  */
 ZEL_API int32_t KCDSA_SP(KCDSA_SIGNATURE_BODY *signature, uint8_t *hash_value, const MINT *x,
                          const KCDSA_PARAM *param, const HASH_ALGORITHM *hash);
@@ -348,7 +349,7 @@ ZEL_API int32_t KCDSA_SSA_V0_File(const void *signature, FILE *stream, uint32_t 
  *
  * @param[out] param  #KCDSA_PARAM
  * @param[in]  pBits  bits of p, at most 4096
- * @param[in]  qBits  bits of q, 16 to 256
+ * @param[in]  qBits  bits of q, at most 256
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  null argument, module not serving, sizes that leave no room, or nothing
  *                          found; nothing touched
@@ -361,7 +362,7 @@ ZEL_API int32_t KCDSA_GenParam(void *param, uint32_t pBits, uint32_t qBits);
  *
  * @param[out] param  #KCDSA_PARAM_EX
  * @param[in]  pBits  bits of p, at most 2048
- * @param[in]  qBits  bits of q, 16 to 256; J may have 228 bytes at most
+ * @param[in]  qBits  bits of q, at most 256; J may have 228 bytes at most
  * @retval ZEL_OK           done
  * @retval ZEL_ERR_GENERIC  as of `KCDSA_GenParam`; nothing touched
  */
@@ -382,6 +383,9 @@ ZEL_API int32_t KCDSA_CheckParam(const void *param);
 
 /**
  * Generates a key pair, and tries it with `CONDITIONAL_SELFTEST_KEYPAIR_KCDSA`.
+ *
+ * Parameters from elsewhere go through `KCDSA_CheckParam` first: where q is not prime, or g not of
+ * order q, the pair does not work, which ends the module.
  *
  * Neither branches on nor indexes by x; its length in words shows.
  *
