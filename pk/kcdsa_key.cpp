@@ -48,7 +48,8 @@ struct Pair {
   }
 };
 
-/// XVAL = (XKEY + the generator's output for XSEED) mod 2^bits, and x from it.
+/// XVAL = (XKEY + the generator's output for XSEED) mod 2^bits, and x from it. XVAL is hashed in its
+/// full length; `KCDSARNGHAS160_GenerateX` drops leading zero bytes.
 bool derive(MINT &x, const std::uint8_t *xkey, const std::uint8_t *xseed, const Group &group) {
   const pk::kcdsa::Prng prng = pk::kcdsa::prng_for(group.q_bits());
   const std::uint32_t bits = group.q_bits();

@@ -281,6 +281,8 @@ TEST_P(Sharing, CodesInTheirOrder) {
   EXPECT_EQ(answers([](Set &s) { s.prime = {}, s.count = 9; }), scheme.no_inverse);
   EXPECT_EQ(answers([](Set &s) { s.prime = {2, {0, 0}}; }), scheme.no_inverse);
   EXPECT_EQ(answers([](Set &s) { s.prime = {1, {1614}}; }), scheme.no_inverse);
+  EXPECT_EQ(answers([](Set &s) { s.prime.words[0] = 1614, s.shares[1].x = s.shares[0].x; }),
+            scheme.no_inverse);
   EXPECT_EQ(answers([](Set &s) { s.prime.length = 131; }), -1);
   EXPECT_EQ(answers([](Set &s) { s.count = 6, s.shares[0].x.words[0] = 3; }), -1);
   EXPECT_EQ(answers([](Set &s) { s.count = ~std::uint64_t{0}; }), -1);
