@@ -20,7 +20,8 @@ std::int32_t for_each_chunk(std::FILE *from, std::uint64_t len, std::uint8_t *ch
   for (;;) {
     const auto want = static_cast<std::size_t>(std::min<std::uint64_t>(len, chunk_len));
     const std::size_t got = std::fread(chunk, 1, want, from);
-    if (got < want && std::ferror(from) != 0) return read_failed;
+    // The error flag may be one from before the call; the end always has its own.
+    if (got < want && std::feof(from) == 0) return read_failed;
     const bool last = len <= chunk_len || got < want;
     const std::int32_t result = body(got, last);
     if (result != 0 || last) return result;

@@ -77,6 +77,7 @@ int32_t BCIPHER_EncryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
     result = modes::ccm_encrypt(cipher, piece, iv, data, out + in_len, tag_len);
     if (result != ZEL_OK) modes::copy(out, piece.in, in_len);
   }
+  // Deliberate: CCM sets it even where it refuses a length of nonce or tag.
   *out_len = in_len + tag_len;
   return result == ZEL_OK ? ZEL_OK : ZEL_ERR_GENERIC;
 }
@@ -88,7 +89,10 @@ int32_t BCIPHER_DecryptAuth(uint8_t *out, uint32_t *out_len, const uint8_t *in, 
   const Run data{aad, aad_len}, iv{nonce, nonce_len};
   const int32_t refusal = check_call(context, key, {{out, in, in_len}, data, iv, tag_len}, out_len);
   if (refusal != ZEL_OK) return refusal;
-  if (in_len < tag_len) return ZEL_ERR_TAG;
+  if (in_len < tag_len) {
+    modes::copy(out, in, in_len);
+    return ZEL_ERR_TAG;
+  }
 
   const bulk::Cipher cipher(*key);
   const uint32_t len = in_len - tag_len;

@@ -3,6 +3,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
 #include "base/bytes.hpp"
 #include "base/stream.hpp"
 #include "base/wipe.hpp"
@@ -26,6 +30,15 @@ struct Job {
   std::uint8_t final;
 };
 
+/// Memory of which no more is wiped than was written to: a chunk may be far longer than its file.
+struct WipeUsed {
+  std::size_t used;
+  void operator()(std::uint8_t *bytes) const noexcept {
+    wipe(bytes, used);
+    std::free(bytes);
+  }
+};
+
 /// The length of a stream, which is left at its beginning; negative when it has none.
 std::int64_t rewound_len(std::FILE *in) noexcept {
   if (fseeko(in, 0, SEEK_END) != 0) return -1;
@@ -36,24 +49,31 @@ std::int64_t rewound_len(std::FILE *in) noexcept {
 std::int32_t run(const Job &job, std::FILE *out, std::FILE *in, std::int64_t len,
                  std::uint32_t chunk_len) noexcept {
   if (!gate::serving()) return ZEL_ERR_STATE;
-  if (any_null(out, in, job.out_total, job.context, job.key)) return ZEL_ERR_GENERIC;
+  if (any_null(out, in, job.out_total, job.context)) return ZEL_ERR_GENERIC;
   const BCIPHER_ALGORITHM *const descriptor = job.context->descriptor;
   if (descriptor == nullptr || chunk_len == 0 || len < kWholeFile) return ZEL_ERR_GENERIC;
-  Scratch<std::uint8_t> chunk(std::size_t{chunk_len} + descriptor->block_len);
-  if (!chunk) return ZEL_ERR_GENERIC;
-  *job.out_total = 0;
   if (len == kWholeFile) len = rewound_len(in);
+  // No more than the file needs, whatever the caller calls a chunk.
+  const auto most = std::min<std::int64_t>(std::max<std::int64_t>(len, 0), chunk_len);
+  const std::size_t room = static_cast<std::size_t>(most) + descriptor->block_len;
+  std::unique_ptr<std::uint8_t, WipeUsed> chunk(static_cast<std::uint8_t *>(std::calloc(1, room)),
+                                                WipeUsed{room});
+  if (chunk == nullptr) return ZEL_ERR_GENERIC;
+  *job.out_total = 0;
   if (len < 0) return ZEL_ERR_GENERIC;
+  std::size_t longest = 0;
 
   const std::int32_t result = stream::for_each_chunk(
-      in, static_cast<std::uint64_t>(len), chunk.data(), chunk_len, ZEL_ERR_GENERIC,
+      in, static_cast<std::uint64_t>(len), chunk.get(), chunk_len, ZEL_ERR_GENERIC,
       [&](std::size_t read, bool last) -> std::int32_t {
+        longest = std::max(longest, read);
+        chunk.get_deleter().used = longest + descriptor->block_len;
         std::uint32_t made = 0;
         const std::int32_t code =
-            job.operation(chunk.data(), &made, chunk.data(), static_cast<std::uint32_t>(read),
+            job.operation(chunk.get(), &made, chunk.get(), static_cast<std::uint32_t>(read),
                           job.context, job.key, last ? job.final : 0);
         if (code != ZEL_OK) return code;
-        const std::size_t written = std::fwrite(chunk.data(), 1, made, out);
+        const std::size_t written = std::fwrite(chunk.get(), 1, made, out);
         *job.out_total += static_cast<std::uint32_t>(written);
         return written == made ? ZEL_OK : ZEL_ERR_GENERIC;
       });
@@ -71,6 +91,8 @@ bool is_same_file(std::FILE *open_file, const char *path) noexcept {
 std::int32_t run_open(const Job &job, std::FILE *out, std::FILE *in, std::int64_t offset,
                       std::uint32_t len) noexcept {
   const bool whole = len == kWholePath;
+  // Deliberate: the output that a refused offset leaves behind, empty, is not removed: it may have
+  // been there before, under rights and links of its own.
   if (offset != 0 && (whole || fseeko(in, offset, SEEK_SET) != 0)) return ZEL_ERR_GENERIC;
   return run(job, out, in, whole ? kWholeFile : std::int64_t{len}, stream::kChunkLen);
 }

@@ -110,7 +110,7 @@ std::int32_t run(Way way, Piece piece, BCIPHER_CONTEXT &context, const BCIPHER_K
 }  // namespace
 
 bool modes::is_sound(const BCIPHER_ALGORITHM &cipher) noexcept {
-  return cipher.DecryptBlock != nullptr &&
+  return !any_null(cipher.MakeRoundKey, cipher.DecryptBlock) &&
          bulk::fits(cipher.block_len, cipher.EncryptBlock, cipher.DecryptBlock);
 }
 
@@ -185,7 +185,8 @@ int32_t BCIPHER_MakeKey(BCIPHER_KEY *key, const uint8_t *key_bytes, uint32_t key
                         const BCIPHER_ALGORITHM *descriptor) {
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(key, key_bytes, descriptor)) return ZEL_ERR_GENERIC;
-  if (key->descriptor != descriptor || key->round_keys == nullptr) return ZEL_ERR_GENERIC;
+  if (key->descriptor != descriptor) return ZEL_ERR_GENERIC;
+  if (any_null(key->round_keys, descriptor->MakeRoundKey)) return ZEL_ERR_GENERIC;
   const std::uint32_t bytes = bytes_of_key(key_len, descriptor);
   if (bytes > ZEL_MAX_KEY_LEN) return ZEL_ERR_GENERIC;
   return with_wiped_stack<kScheduleStackDepth>([&] {

@@ -18,6 +18,13 @@ BCIPHER_KEY *new_key(const std::uint8_t *key, std::uint32_t key_len,
 /// Wipes and frees a key object, whatever the module state, and forgets it. It may be null.
 void release(BCIPHER_KEY *&key) noexcept;
 
+/// Whether a record names a cipher that can be worked with: a caller's own may hold anything.
+template <class Context>
+bool has_cipher(const Context &context) noexcept {
+  const BCIPHER_ALGORITHM *const cipher = context.cipher.descriptor;
+  return cipher != nullptr && modes::is_sound(*cipher);
+}
+
 /// Enciphers the buffer of a record into its state, which stays as it was when that is refused.
 template <class Context>
 void encipher_buffer(Context &context) noexcept {
@@ -62,9 +69,8 @@ void absorb(Context &context, modes::Run run, std::size_t behind, One one, Many 
 /// As much of the result as there is.
 template <class Context>
 void give(std::uint8_t *mac, std::size_t mac_len, const Context &context) noexcept {
-  const std::size_t most = context.cipher.descriptor == nullptr
-                               ? sizeof context.state
-                               : std::size_t{context.cipher.descriptor->block_len};
+  const std::size_t most = has_cipher(context) ? std::size_t{context.cipher.descriptor->block_len}
+                                               : sizeof context.state;
   if (mac_len > 0) std::memcpy(mac, context.state, std::min(mac_len, most));
 }
 

@@ -27,6 +27,16 @@ void multiply_by_x(std::uint8_t *to, const std::uint8_t *from, std::size_t len) 
   }
 }
 
+/// Section 6.1.
+void make_subkeys(CMAC_CONTEXT &context, const BCIPHER_ALGORITHM &cipher,
+                  const void *round_keys) noexcept {
+  Wiped<std::uint8_t[ZEL_MAX_BLOCK_LEN]> zero_enciphered;
+  std::memset(*zero_enciphered, 0, ZEL_MAX_BLOCK_LEN);
+  cipher.EncryptBlock(*zero_enciphered, round_keys);
+  multiply_by_x(context.k1, *zero_enciphered, cipher.block_len);
+  multiply_by_x(context.k2, context.k1, cipher.block_len);
+}
+
 /// Enciphers state ^ buffer.
 void link(CMAC_CONTEXT &context) noexcept {
   const std::size_t block_len = context.cipher.descriptor->block_len;
@@ -44,22 +54,20 @@ int32_t CMAC_Initialize(CMAC_CONTEXT *context, const uint8_t *key, uint32_t key_
                         const BCIPHER_ALGORITHM *descriptor) {
   if (any_null(context, key, descriptor)) return ZEL_ERR_GENERIC;
   if (!modes::is_sound(*descriptor)) return ZEL_ERR_GENERIC;
-  Scratch<uint8_t> round_keys(descriptor->round_keys_len);
-  if (!round_keys) return ZEL_ERR_GENERIC;
-  BCIPHER_KEY *object = nullptr;
   if (gate::serving()) {
-    object = mac::new_key(key, key_len, descriptor);
+    BCIPHER_KEY *const object = mac::new_key(key, key_len, descriptor);
     if (object == nullptr) return ZEL_ERR_GENERIC;
+    *context = {};
+    context->key = object;
+    make_subkeys(*context, *descriptor, object->round_keys);
+  } else {
+    // Where the module does not serve there is no key object, and the code comes out wrong.
+    Scratch<uint8_t> round_keys(descriptor->round_keys_len);
+    if (!round_keys) return ZEL_ERR_GENERIC;
+    *context = {};
+    descriptor->MakeRoundKey(round_keys.data(), key, key_len);
+    make_subkeys(*context, *descriptor, round_keys.data());
   }
-  // Where the module does not serve there is no key object, and the code comes out wrong.
-  *context = {};
-  context->key = object;
-  descriptor->MakeRoundKey(round_keys.data(), key, key_len);
-  Wiped<uint8_t[ZEL_MAX_BLOCK_LEN]> zero_enciphered;
-  std::memset(*zero_enciphered, 0, ZEL_MAX_BLOCK_LEN);
-  descriptor->EncryptBlock(*zero_enciphered, round_keys.data());
-  multiply_by_x(context->k1, *zero_enciphered, descriptor->block_len);
-  multiply_by_x(context->k2, context->k1, descriptor->block_len);
   (void)BCIPHER_Initialize(&context->cipher, ZEL_MODE_CBC, nullptr, descriptor);
   return ZEL_OK;
 }
@@ -67,6 +75,7 @@ int32_t CMAC_Initialize(CMAC_CONTEXT *context, const uint8_t *key, uint32_t key_
 int32_t CMAC_Update(CMAC_CONTEXT *context, const uint8_t *data, uint32_t len) {
   if (context == nullptr || modes::any_missing(modes::Run{data, len})) return ZEL_ERR_GENERIC;
   if (context->cipher.descriptor == nullptr) return ZEL_OK;
+  if (!mac::has_cipher(*context)) return ZEL_ERR_GENERIC;
   constexpr std::size_t kOneByteBehind = 1;  // the last block waits for a subkey
   mac::absorb(
       *context, {data, len}, kOneByteBehind, [context] { link(*context); },
@@ -78,7 +87,8 @@ int32_t CMAC_Update(CMAC_CONTEXT *context, const uint8_t *data, uint32_t len) {
 
 int32_t CMAC_Finalize(uint8_t *mac, uint32_t mac_len, CMAC_CONTEXT *context) {
   if (context == nullptr || modes::any_missing(modes::Run{mac, mac_len})) return ZEL_ERR_GENERIC;
-  if (context->cipher.descriptor != nullptr) {
+  const bool has_cipher = mac::has_cipher(*context);
+  if (has_cipher) {
     constexpr std::uint8_t kFirstPadByte = 0x80;
     const std::size_t block_len = context->cipher.descriptor->block_len;
     const std::size_t held = std::min<std::size_t>(context->count, block_len);
@@ -92,5 +102,5 @@ int32_t CMAC_Finalize(uint8_t *mac, uint32_t mac_len, CMAC_CONTEXT *context) {
   }
   mac::give(mac, mac_len, *context);
   mac::release(context->key);
-  return ZEL_OK;
+  return has_cipher || context->cipher.descriptor == nullptr ? ZEL_OK : ZEL_ERR_GENERIC;
 }

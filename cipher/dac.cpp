@@ -8,6 +8,7 @@ using namespace zel;
 
 int32_t DAC_Initialize(DAC_CONTEXT *context, const uint8_t *key, uint32_t key_len,
                        const BCIPHER_ALGORITHM *descriptor) {
+  // Deliberate: the state itself is the answer, where other calls have a code for it.
   if (gate::approved_only()) return ZEL_STATE_VERIFIED;
   if (!gate::serving()) return ZEL_ERR_STATE;
   if (any_null(context, key, descriptor)) return ZEL_ERR_GENERIC;
@@ -22,7 +23,7 @@ int32_t DAC_Initialize(DAC_CONTEXT *context, const uint8_t *key, uint32_t key_le
 void DAC_Update(DAC_CONTEXT *context, const uint8_t *data, uint32_t len) {
   if (gate::approved_only()) return;
   if (context == nullptr || modes::any_missing(modes::Run{data, len})) return;
-  if (context->cipher.descriptor == nullptr) return;
+  if (!mac::has_cipher(*context)) return;
   mac::absorb(
       *context, {data, len}, 0, [context] { mac::encipher_buffer(*context); },
       [context](const uint8_t *from, std::size_t count) {
@@ -33,7 +34,7 @@ void DAC_Update(DAC_CONTEXT *context, const uint8_t *data, uint32_t len) {
 void DAC_Finalize(uint8_t *mac, uint32_t mac_len, DAC_CONTEXT *context) {
   if (gate::approved_only()) return;
   if (context == nullptr || modes::any_missing(modes::Run{mac, mac_len})) return;
-  if (context->cipher.descriptor != nullptr && context->count > 0) {
+  if (mac::has_cipher(*context) && context->count > 0) {
     const std::size_t block_len = context->cipher.descriptor->block_len;
     const std::size_t held = std::min<std::size_t>(context->count, block_len);
     std::memset(context->buffer + held, 0, block_len - held);

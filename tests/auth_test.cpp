@@ -85,8 +85,15 @@ Setting setting_of(const Vector &vector) {
 
 class Published : public ::testing::TestWithParam<const char *> {};
 
-// Where this library answers otherwise than the standard: CCM without payload is made and never
-// taken; the cases of the files *_standard say by themselves that a length is refused, or that GCM
+/// CCM without payload, which this library makes and never takes.
+bool is_never_taken(const std::string &place) {
+  constexpr const char *kPlaces[] = {"aes_ccm.txt:64",  "aes_ccm.txt:144",  "aes_ccm.txt:364",
+                                     "aes_ccm.txt:714", "aes_ccm.txt:774",  "aes_ccm.txt:1014",
+                                     "aes_ccm.txt:1074"};
+  return std::ranges::any_of(kPlaces, [&](const char *known) { return place.ends_with(known); });
+}
+
+// Where this library answers otherwise than the standard: the seven cases above; the cases of the files *_standard say by themselves that a length is refused, or that GCM
 // takes an empty nonce.
 TEST_P(Published, BothWays) {
   for (const FeatureSet &set : feature_sets()) {
@@ -96,9 +103,8 @@ TEST_P(Published, BothWays) {
       const Setting s = setting_of(vector);
       const Bytes sealed = joined(vector.bytes("ct"), vector.bytes("tag"));
       const bool valid = vector.word("result") == "valid";
-      const bool never_taken = s.mode == ZEL_MODE_CCM && vector.word("pt").empty();
       const long code =
-          vector.number_or("product_rc", valid && !never_taken ? ZEL_OK : ZEL_ERR_TAG);
+          vector.number_or("product_rc", valid && !is_never_taken(vector.place) ? ZEL_OK : ZEL_ERR_TAG);
       for (const bool in_place : {false, true}) {
         const Outcome back = call(true, s, sealed, in_place);
         if (code == ZEL_ERR_CCM_TAG_LEN || code == ZEL_ERR_CCM_NONCE_LEN) {
@@ -284,7 +290,12 @@ TEST(Failure, GcmLeavesTheMessageAndCcmTheCiphertext) {
     Setting other = s;
     other.aad[39] ^= 1;
     EXPECT_EQ(call(true, other, sealed).code, ZEL_ERR_TAG);
-    EXPECT_EQ(call(true, s, Bytes(11)).code, ZEL_ERR_TAG) << "shorter than the tag";
+    for (const std::size_t len : {std::size_t{0}, std::size_t{11}, std::size_t{12}}) {
+      const Outcome back = call(true, s, noise(len));
+      EXPECT_EQ(back.code, ZEL_ERR_TAG) << "no longer than the tag";
+      EXPECT_EQ(back.len, kUnset);
+      EXPECT_EQ(back.out, noise(len)) << "the copy comes first";
+    }
   }
 }
 

@@ -14,13 +14,13 @@
 #include "tests/support/hashes.hpp"
 
 namespace {
-bool g_memory_is_short = false;
+std::size_t g_memory_most = SIZE_MAX;  // that one call gets
 }
 extern "C" {
 void *__real_calloc(std::size_t count, std::size_t size);
 void *__wrap_calloc(std::size_t count, std::size_t size);
 void *__wrap_calloc(std::size_t count, std::size_t size) {
-  return g_memory_is_short ? nullptr : __real_calloc(count, size);
+  return count * size > g_memory_most ? nullptr : __real_calloc(count, size);
 }
 }
 
@@ -148,11 +148,13 @@ TEST_F(Files, RefusalsInTheirOrder) {
   for (const std::string &same : {in, folder + "/link", folder + "/symlink"})
     EXPECT_EQ(paths(false, ZEL_MODE_CBC, same, in, 0, kWhole, 1), ZEL_ERR_FILE_OPEN);
   EXPECT_EQ(read(in), noise(100));
-  g_memory_is_short = true;
+  g_memory_most = 115;
   const std::int32_t code = paths(false, ZEL_MODE_CBC, out, in, 0, kWhole, 1);
-  g_memory_is_short = false;
+  g_memory_most = 116;
   EXPECT_EQ(code, ZEL_ERR_GENERIC);
   EXPECT_EQ(total, kUnset);
+  EXPECT_EQ(paths(false, ZEL_MODE_CBC, out, in, 0, kWhole, 1), ZEL_OK) << "the file and a block";
+  g_memory_most = SIZE_MAX;
 
   std::FILE *const source = std::fopen(in.c_str(), "rb"), *const sink =
                                                               std::fopen(out.c_str(), "wb");
@@ -166,6 +168,11 @@ TEST_F(Files, RefusalsInTheirOrder) {
   EXPECT_EQ(run(sink, source, -1, 20), ZEL_ERR_GENERIC) << "not whole blocks";
   EXPECT_EQ(run(sink, sink, 10, 16), ZEL_ERR_GENERIC) << "not open for reading";
   EXPECT_EQ(run(source, source, -1, 16), ZEL_ERR_GENERIC) << "not open for writing";
+  EXPECT_NE(std::ferror(source), 0);
+  EXPECT_EQ(run(sink, source, -1, 64), ZEL_OK) << "the flag is from the call before";
+  EXPECT_EQ(total, 112U);
+  EXPECT_EQ(BCIPHER_EncryptFile(sink, &total, source, -1, &c, nullptr, 1), ZEL_ERR_GENERIC);
+  EXPECT_EQ(total, 0U) << "it is the cipher layer that refuses";
   std::fclose(source);
   std::fclose(sink);
 }

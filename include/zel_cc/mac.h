@@ -61,7 +61,8 @@ ZEL_API int32_t CMAC_Initialize(CMAC_CONTEXT *context, const uint8_t *key, uint3
  * @param[in]     data     [len] bytes
  * @param[in]     len      bytes
  * @retval ZEL_OK          done
- * @retval ZEL_ERR_GENERIC null argument; nothing touched
+ * @retval ZEL_ERR_GENERIC null argument, or a cipher as `CMAC_Initialize` refuses it; nothing
+ *                         touched
  */
 ZEL_API int32_t CMAC_Update(CMAC_CONTEXT *context, const uint8_t *data, uint32_t len);
 
@@ -73,7 +74,8 @@ ZEL_API int32_t CMAC_Update(CMAC_CONTEXT *context, const uint8_t *data, uint32_t
  * @param[in]     mac_len  bytes
  * @param[in,out] context  from `CMAC_Initialize`
  * @retval ZEL_OK          done
- * @retval ZEL_ERR_GENERIC null argument; nothing touched
+ * @retval ZEL_ERR_GENERIC null argument; nothing touched. Or a cipher as `CMAC_Initialize` refuses
+ *                         it; the key object is released all the same
  */
 ZEL_API int32_t CMAC_Finalize(uint8_t *mac, uint32_t mac_len, CMAC_CONTEXT *context);
 
