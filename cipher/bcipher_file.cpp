@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 
 #include "base/bytes.hpp"
 #include "base/stream.hpp"
@@ -31,12 +30,24 @@ struct Job {
 };
 
 /// Memory of which no more is wiped than was written to: a chunk may be far longer than its file.
-struct WipeUsed {
-  std::size_t used;
-  void operator()(std::uint8_t *bytes) const noexcept {
-    wipe(bytes, used);
-    std::free(bytes);
+class Chunk {
+ public:
+  explicit Chunk(std::size_t room) noexcept
+      : bytes_(static_cast<std::uint8_t *>(std::calloc(1, room))), used_(room) {}
+  Chunk(const Chunk &) = delete;
+  Chunk &operator=(const Chunk &) = delete;
+  ~Chunk() {
+    if (bytes_ != nullptr) wipe(bytes_, used_);
+    std::free(bytes_);
   }
+
+  std::uint8_t *data() noexcept { return bytes_; }
+  /// What is behind these bytes was never written to.
+  void ends_at(std::size_t used) noexcept { used_ = used; }
+
+ private:
+  std::uint8_t *bytes_;
+  std::size_t used_;
 };
 
 /// The length of a stream, which is left at its beginning; negative when it has none.
@@ -55,25 +66,23 @@ std::int32_t run(const Job &job, std::FILE *out, std::FILE *in, std::int64_t len
   if (len == kWholeFile) len = rewound_len(in);
   // No more than the file needs, whatever the caller calls a chunk.
   const auto most = std::min<std::int64_t>(std::max<std::int64_t>(len, 0), chunk_len);
-  const std::size_t room = static_cast<std::size_t>(most) + descriptor->block_len;
-  std::unique_ptr<std::uint8_t, WipeUsed> chunk(static_cast<std::uint8_t *>(std::calloc(1, room)),
-                                                WipeUsed{room});
-  if (chunk == nullptr) return ZEL_ERR_GENERIC;
+  Chunk chunk(static_cast<std::size_t>(most) + descriptor->block_len);
+  if (chunk.data() == nullptr) return ZEL_ERR_GENERIC;
   *job.out_total = 0;
   if (len < 0) return ZEL_ERR_GENERIC;
   std::size_t longest = 0;
 
   const std::int32_t result = stream::for_each_chunk(
-      in, static_cast<std::uint64_t>(len), chunk.get(), chunk_len, ZEL_ERR_GENERIC,
+      in, static_cast<std::uint64_t>(len), chunk.data(), chunk_len, ZEL_ERR_GENERIC,
       [&](std::size_t read, bool last) -> std::int32_t {
         longest = std::max(longest, read);
-        chunk.get_deleter().used = longest + descriptor->block_len;
+        chunk.ends_at(longest + descriptor->block_len);
         std::uint32_t made = 0;
         const std::int32_t code =
-            job.operation(chunk.get(), &made, chunk.get(), static_cast<std::uint32_t>(read),
+            job.operation(chunk.data(), &made, chunk.data(), static_cast<std::uint32_t>(read),
                           job.context, job.key, last ? job.final : 0);
         if (code != ZEL_OK) return code;
-        const std::size_t written = std::fwrite(chunk.get(), 1, made, out);
+        const std::size_t written = std::fwrite(chunk.data(), 1, made, out);
         *job.out_total += static_cast<std::uint32_t>(written);
         return written == made ? ZEL_OK : ZEL_ERR_GENERIC;
       });
