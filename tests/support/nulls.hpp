@@ -10,12 +10,11 @@
 namespace zel::test {
 
 /// What a function gives with each of its pointers null in turn; 0 where it gives nothing.
-template <class Result, class... Types>
-std::vector<std::int32_t> with_each_null(Result (*function)(Types...),
-                                         std::type_identity_t<Types>... given) {
+template <class Result, class... Types, class... Given>
+std::vector<std::int32_t> with_each_null(Result (*function)(Types...), Given... given) {
   std::vector<std::int32_t> results;
   const auto call = [&]<std::size_t at>(std::integral_constant<std::size_t, at>) {
-    std::tuple<Types...> arguments(given...);
+    std::tuple<Types...> arguments(static_cast<Types>(given)...);
     if constexpr (std::is_pointer_v<std::tuple_element_t<at, std::tuple<Types...>>>) {
       std::get<at>(arguments) = nullptr;
       if constexpr (std::is_void_v<Result>) {

@@ -109,6 +109,30 @@ class Shares(ToolTest):
         typed = re.sub(rb"(?<=: )[0-9a-f]{16,}", lambda found: found.group().upper(), typed)
         self.assertEqual(self.combine(stdin=typed), b"0123456789abcdef")
 
+        # Some editors put a mark in front, and some leave no line end behind.
+        mark, shares = b"\xef\xbb\xbf", [self.content(file) for file in result["shares"]]
+        self.assertEqual(self.combine(stdin=mark + shares[0] + mark + shares[1]), b"0123456789abcdef")
+        message = self.combine(stdin=shares[0].rstrip() + shares[1], exit=MALFORMED)
+        self.assertIn(b"line 10: the line end", message)
+
+    def test_shares_that_cannot_be_written(self):
+        files = self.split(b"old", 2, 3)
+        # The last one does not fit: what is new goes, and what was there stays a share.
+        (self.folder / files[1]).unlink()
+        (self.folder / files[2]).unlink()
+        (self.folder / files[2]).symlink_to("/dev/full")
+        self.zel("split", "--legacy", "-f", "-o", "s", stdin=b"new", exit=FILE)
+        parse(self.content(files[0]))
+        self.assertFalse((self.folder / files[1]).exists())
+        # Two names of one file.
+        self.split(b"old", 2, 2)
+        old = [self.content(file) for file in files[:2]]
+        (self.folder / files[2]).unlink()
+        (self.folder / files[2]).symlink_to(files[0])
+        message = self.zel("split", "--legacy", "-f", "-o", "s", stdin=b"new", exit=FILE).stderr
+        self.assertIn(b"s.share3: leads to the same file as s.share1", message)
+        self.assertEqual([self.content(file) for file in files[:2]], old)
+
     def test_the_documented_shares_stay_readable(self):
         page = pathlib.Path(__file__).parents[2] / "docs/shares.md"
         examples = re.findall(rb"```\n(zel-share.*?)```", page.read_bytes(), re.S)
@@ -128,6 +152,8 @@ class Shares(ToolTest):
             self.assertEqual(self.combine(*chosen), b"\0secret")
             self.assertEqual(secret_of([parse(self.content(file)) for file in chosen]), b"\0secret")
         self.zel("reissue", "--legacy", "-q", "s.share1", exit=USAGE)
+        taken = self.zel("reissue", "--legacy", "--index", "3", "s.share1", "s.share3", exit=USAGE)
+        self.assertIn(b"the number of s.share3", taken.stderr)
         self.zel("reissue", "--legacy", "-q", "--index", "256", *files, exit=USAGE)
         files = self.split(b"secret", 3, 3)
         self.assertIn(b"threshold 3", self.zel("reissue", "--legacy", *files, exit=USAGE).stderr)

@@ -106,6 +106,13 @@ bool exists(const std::string &path) {
   return path == "-" || ::stat(path.c_str(), &status) == 0;
 }
 
+bool are_one_file(const std::string &a, const std::string &b) {
+  struct stat one {};
+  struct stat other {};
+  return ::stat(a.c_str(), &one) == 0 && ::stat(b.c_str(), &other) == 0 && S_ISREG(one.st_mode) &&
+         one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 std::optional<std::uint64_t> size_of(const std::string &path) {
   struct stat status {};
   const bool found =

@@ -53,6 +53,9 @@ inline constexpr std::size_t kChunk = std::size_t{256} << 10;
 /// Whether there is something under that name; standard input always is.
 bool exists(const std::string &path);
 
+/// Whether there is one regular file under both names.
+bool are_one_file(const std::string &a, const std::string &b);
+
 /// The size of a regular file, without opening it.
 std::optional<std::uint64_t> size_of(const std::string &path);
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "tools/zel/command.hpp"
+#include "tools/zel/failure.hpp"
 #include "tools/zel/hex.hpp"
 #include "tools/zel/json.hpp"
 #include "tools/zel/sharing.hpp"
@@ -14,11 +15,17 @@ struct ReissueOptions {
   std::vector<std::string> files;
 };
 
-/// As given, or one after the highest.
+/// As given, but not that of another share, or one after the highest.
 std::uint32_t index_for(const std::vector<Share> &shares, std::optional<std::uint64_t> given) {
   const auto lower = [](const Share &a, const Share &b) { return a.index < b.index; };
   const std::uint64_t highest = std::max_element(shares.begin(), shares.end(), lower)->index;
   const std::uint64_t index = given.value_or(highest + 1);
+  const auto twin = std::find_if(shares.begin(), shares.end(),
+                                 [index](const Share &share) { return share.index == index; });
+  if (twin != shares.end()) {
+    throw Failure(Exit::kUsage, "--index " + std::to_string(index),
+                  "the number of " + shown(twin->source), "choose one that no share has");
+  }
   if (index >= 1 && index <= kMaxIndex) return static_cast<std::uint32_t>(index);
   throw Failure(Exit::kUsage, "--index " + std::to_string(index), "out of range",
                 "choose from 1 to " + std::to_string(kMaxIndex));

@@ -98,6 +98,16 @@ class Lines {
     if (!good) refuse(name);
   }
 
+  /// The checksum, the last value of a share.
+  std::string_view take_checksum() {
+    const std::string_view value = take("checksum");
+    if (value.find("zel-share") == std::string_view::npos) return value;
+    throw Failure(
+        Exit::kMalformed, source_,
+        "line " + std::to_string(taken_) + ": the line end behind the checksum is missing",
+        "put one there, so that the next share begins on a line of its own");
+  }
+
   void take_exactly(std::string_view name, std::string_view value) {
     if (take(name) != value) refuse(name);
   }
@@ -118,9 +128,11 @@ class Lines {
   }
 
   void advance() {
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";  // of some editors
     do {
       const std::size_t len = std::min(rest_.find('\n'), rest_.size());
-      line_ = trimmed(rest_.substr(0, len));
+      const bool marked = rest_.starts_with(kByteOrderMark);
+      line_ = trimmed(rest_.substr(0, len).substr(marked ? kByteOrderMark.size() : 0));
       rest_.remove_prefix(std::min(len + 1, rest_.size()));
       ++number_;
     } while ((line_.empty() || line_.starts_with('#')) && !rest_.empty());
@@ -167,7 +179,7 @@ Share parse_share(Lines &lines, const std::string &source) {
   Share share(source, header, index);
   lines.take_hex("x", share.point.x);
   lines.take_hex("y", share.point.y);
-  const auto checksum = from_hex(lines.take("checksum"));
+  const auto checksum = from_hex(lines.take_checksum());
   const WipedText body{body_of(share)};
   const bool good = checksum && tool::to_hex(*checksum) == checksum_of(body.value);
   if (!good) {

@@ -46,8 +46,11 @@ Secret read_secret(const std::string &file) {
 using Names = std::vector<std::string>;
 using Outputs = std::vector<std::unique_ptr<Output>>;
 
-/// Puts all files in place, or none.
+/// Puts all files in place, or none. What -f has replaced before a failure is a share already.
 void write_files(const Outputs &outputs, const Names &names, const std::vector<Share> &shares) {
+  std::vector<bool> is_new;
+  for (const std::string &name : names)
+    is_new.push_back(!exists(name));
   for (std::size_t i = 0; i < shares.size(); ++i) {
     std::string text = to_text(shares[i]);
     outputs[i]->write(text);
@@ -58,8 +61,9 @@ void write_files(const Outputs &outputs, const Names &names, const std::vector<S
     for (; done < outputs.size(); ++done)
       outputs[done]->commit();
   } catch (const Failure &) {
-    for (std::size_t i = 0; i < done; ++i)
-      ::unlink(names[i].c_str());
+    for (std::size_t i = 0; i < done; ++i) {
+      if (is_new[i]) ::unlink(names[i].c_str());
+    }
     throw;
   }
 }
@@ -69,6 +73,17 @@ void print(Session &session, const std::vector<Share> &shares) {
     std::string text = (share.index == 1 ? "" : "\n") + to_text(share);
     session.print(text);
     wipe(text.data(), text.size());
+  }
+}
+
+/// Two shares in one file would be one.
+void require_own_files(const Names &names) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (!are_one_file(names[j], names[i])) continue;
+      throw Failure(Exit::kFile, names[i], "leads to the same file as " + shown(names[j]),
+                    "remove the link, or choose another name with -o");
+    }
   }
 }
 
@@ -96,10 +111,11 @@ void run(Session &session, const SplitOptions &options) {
   const Secret secret = read_secret(file);
   Names names;
   Outputs outputs;  // opened before the work begins, which may take seconds
-  for (std::uint32_t i = 1; i <= count && base != "-"; ++i) {
+  for (std::uint32_t i = 1; i <= count && base != "-"; ++i)
     names.push_back(base + ".share" + std::to_string(i));
-    outputs.push_back(std::make_unique<Output>(names.back(), session.flags().force, kPrivate));
-  }
+  require_own_files(names);
+  for (const std::string &name : names)
+    outputs.push_back(std::make_unique<Output>(name, session.flags().force, kPrivate));
   const std::vector<Share> shares = split_secret(secret.bytes(), threshold, count);
   base == "-" ? print(session, shares) : write_files(outputs, names, shares);
   const std::string set = to_hex(shares.front().header.set);
