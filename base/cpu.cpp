@@ -61,7 +61,6 @@ std::uint32_t ask() noexcept {
   add(sse && all(extended.ebx, 1U << 29), Feature::kSha);
   const bool vaes = aesni && avx2 && all(extended.ecx, kVaesVpclmul);
   add(vaes, Feature::kVaes);
-  add(vaes && all(extended.ecx, 1U << 8), Feature::kGfni);
   g_features.store(found, std::memory_order_relaxed);
   return found;
 }

@@ -14,7 +14,6 @@ enum class Feature : std::uint32_t {
   kAdx = 1U << 3,    ///< ADCX and ADOX
   kSha = 1U << 4,    ///< SHA-1 and SHA-256 instructions, SSSE3, SSE4.1
   kVaes = 1U << 5,   ///< VAES and VPCLMULQDQ on 256-bit registers
-  kGfni = 1U << 6,   ///< GFNI and all of kVaes
 };
 
 /// The remembered answer; 0 until the first question. Tests store a reduced set here.

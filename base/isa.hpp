@@ -7,7 +7,6 @@
 #define ZEL_ISA_AVX2 __attribute__((target("avx2")))
 #define ZEL_ISA_AVX2_BMI2 __attribute__((target("avx2,bmi,bmi2")))
 #define ZEL_ISA_VAES __attribute__((target("avx2,aes,pclmul,vaes,vpclmulqdq")))
-#define ZEL_ISA_GFNI __attribute__((target("avx2,aes,pclmul,vaes,vpclmulqdq,gfni")))
 #define ZEL_ISA_SHA __attribute__((target("sha,ssse3,sse4.1")))
 #define ZEL_ISA_BMI2 __attribute__((target("bmi,bmi2")))
 #define ZEL_ISA_ADX __attribute__((target("bmi,bmi2,adx")))

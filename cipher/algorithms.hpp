@@ -33,10 +33,9 @@ inline constexpr bool kBuiltWithAesni = false;
 
 // Fast paths; each lives in the file of its algorithm or of its instruction set, and has a row in
 // bulk.cpp.
-extern const Ops aria128_gfni, aria192_gfni, aria256_gfni;
 extern const Ops aria128_vaes, aria192_vaes, aria256_vaes;
 extern const Ops aria128_aesni, aria192_aesni, aria256_aesni;
-extern const Ops seed_gfni, seed_vaes, seed_aesni;
+extern const Ops seed_vaes, seed_aesni;
 extern const Ops rijndael128_vaes, rijndael256_vaes;
 extern const Ops rijndael128_aesni, rijndael256_aesni;
 extern const Ops rijndael128_sliced, rijndael256_sliced;

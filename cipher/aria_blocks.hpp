@@ -9,16 +9,12 @@
 namespace zel {
 namespace {
 
-/// The map of each byte, in one instruction where the processor has it.
+/// The map of each byte.
 template <class Lanes, const NibbleMap &kMap>
 ZEL_KERNEL typename Lanes::Vector map_bytes(typename Lanes::Vector x) noexcept {
-  if constexpr (requires { Lanes::kHasAffine; }) {
-    return Lanes::template affine<matrix_of(kMap), kMap(0)>(x);
-  } else {
-    const auto low = Lanes::bit_and(x, Lanes::every_byte(15));
-    return Lanes::bit_xor(Lanes::lookup(Lanes::key(kMap.low.data()), low),
-                          Lanes::lookup(Lanes::key(kMap.high.data()), Lanes::high_nibbles(x)));
-  }
+  const auto low = Lanes::bit_and(x, Lanes::every_byte(15));
+  return Lanes::bit_xor(Lanes::lookup(Lanes::key(kMap.low.data()), low),
+                        Lanes::lookup(Lanes::key(kMap.high.data()), Lanes::high_nibbles(x)));
 }
 
 /// Any number of registers side by side, each step for all of them before the next.

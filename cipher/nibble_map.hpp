@@ -37,17 +37,6 @@ consteval bool is_map(const NibbleMap &tables, const gf256::Box &map) {
   return true;
 }
 
-/// The same map, without its constant, as the matrix of GF2P8AFFINEQB: row i makes bit i and stands
-/// in byte 7 - i.
-consteval std::uint64_t matrix_of(const NibbleMap &tables) {
-  std::uint64_t matrix = 0;
-  for (unsigned to = 0; to < 8; ++to)
-    for (unsigned from = 0; from < 8; ++from)
-      if (((tables(1U << from) ^ tables(0)) >> to & 1) != 0)
-        matrix |= std::uint64_t{1} << (8 * (7 - to) + from);
-  return matrix;
-}
-
 /// outer[inner[x]]
 consteval gf256::Box composed(const gf256::Box &outer, const gf256::Box &inner) {
   gf256::Box box{};

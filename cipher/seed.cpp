@@ -67,13 +67,11 @@ void crypt_tables(std::uint8_t *block, const std::uint8_t *keys, std::ptrdiff_t 
 }
 
 void encrypt(std::uint8_t *block, const std::uint8_t *keys) noexcept {
-  if (!kSeedByTables && cpu::has(cpu::Feature::kGfni)) return seed_encrypt_gfni(block, keys);
   if (!kSeedByTables && cpu::has(cpu::Feature::kAesni)) return seed_encrypt_aesni(block, keys);
   crypt_tables(block, keys, 8);
 }
 
 void decrypt(std::uint8_t *block, const std::uint8_t *keys) noexcept {
-  if (!kSeedByTables && cpu::has(cpu::Feature::kGfni)) return seed_decrypt_gfni(block, keys);
   if (!kSeedByTables && cpu::has(cpu::Feature::kAesni)) return seed_decrypt_aesni(block, keys);
   crypt_tables(block, keys + 8 * (kRounds - 1), -8);
 }

@@ -19,8 +19,5 @@ std::uint32_t seed_g_aesni(std::uint32_t word) noexcept;
 void seed_encrypt_aesni(std::uint8_t *block, const std::uint8_t *keys) noexcept;
 void seed_decrypt_aesni(std::uint8_t *block, const std::uint8_t *keys) noexcept;
 
-/// The same; needs Feature::kGfni.
-void seed_encrypt_gfni(std::uint8_t *block, const std::uint8_t *keys) noexcept;
-void seed_decrypt_gfni(std::uint8_t *block, const std::uint8_t *keys) noexcept;
 
 }  // namespace zel

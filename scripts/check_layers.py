@@ -11,7 +11,7 @@ import sys
 from findings import report
 
 ROOMS = ("core", "hash", "cipher", "mint", "rng", "pk", "keyshare")
-ISAS = ("shani", "aesni", "avx2", "bmi2", "adx", "vaes", "gfni", "pclmul", "ssse3")
+ISAS = ("shani", "aesni", "avx2", "bmi2", "adx", "vaes", "pclmul", "ssse3")
 INTRINSICS = {"immintrin.h", "cpuid.h", "x86intrin.h"}
 # Standard headers that need more of the C++ runtime than its headers.
 RUNTIME = {"string", "vector", "map", "set", "unordered_map", "memory", "functional", "iostream",

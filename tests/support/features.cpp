@@ -18,8 +18,7 @@ std::vector<FeatureSet> feature_sets() {
   const std::pair<const char *, Feature> named[] = {
       {"without_aesni", Feature::kAesni}, {"without_avx2", Feature::kAvx2},
       {"without_bmi2", Feature::kBmi2},   {"without_adx", Feature::kAdx},
-      {"without_sha", Feature::kSha},     {"without_vaes", Feature::kVaes},
-      {"without_gfni", Feature::kGfni}};
+      {"without_sha", Feature::kSha},     {"without_vaes", Feature::kVaes}};
   for (const auto &[name, feature] : named) {
     const auto bit = static_cast<std::uint32_t>(feature);
     if ((real & bit) != 0) sets.push_back({name, real & ~bit});
