@@ -4,6 +4,7 @@ import ctypes
 import ctypes.util
 import hashlib
 import hmac
+import json
 import os
 import random
 import signal
@@ -90,6 +91,10 @@ class ContainerTest(ToolTest):
         done = self.run_program(ZEL, "decrypt", "-k", "key", "bad.zel")
         self.assertIn(done.returncode, codes, done)
         self.assertFalse((self.folder / "bad").exists())
+        for output in ([], ["-o", "bad"]):
+            piped = self.run_program(ZEL, "decrypt", "-k", "key", *output, stdin=container)
+            self.assertEqual(piped.returncode, done.returncode, piped)
+            self.assertFalse((self.folder / "bad").exists())
         return done
 
 
@@ -184,6 +189,42 @@ class Container(ContainerTest):
         done = self.zel("decrypt", "-k", "key", stdin=joined[0], exit=MISMATCH)
         self.assertEqual(len(done.stdout), 2 * CHUNK)
         self.assertIn(b"first 131072 bytes", done.stderr)
+        self.assertIn(b"written to standard output", done.stderr)
+        # So is a single chunk, which would fit into a buffer; a file is not there at all.
+        one = container[:HEADER + size] + bytes(size)
+        done = self.zel("decrypt", "-k", "key", stdin=one, exit=MISMATCH)
+        self.assertEqual(len(done.stdout), CHUNK)
+        done = self.zel("decrypt", "-k", "key", "-o", "out", stdin=one, exit=MISMATCH)
+        self.assertIn(b"nothing was written", done.stderr)
+        self.assertFalse((self.folder / "out").exists())
+
+    def test_files_are_private_until_they_are_complete(self):
+        self.write("c.zel", self.seal(bytes(4 * CHUNK)))
+        os.mkfifo(self.folder / "pipe")
+        process = subprocess.Popen([ZEL, "decrypt", "-q", "-k", "key", "pipe", "-o", "out"],
+                                   cwd=self.folder, umask=0o027)
+        with open(self.folder / "pipe", "wb") as pipe:
+            pipe.write((self.folder / "c.zel").read_bytes())
+            pipe.flush()
+            self.assertEqual(self.temporary_of(CHUNK).stat().st_mode & 0o777, 0o600)
+        self.assertEqual(process.wait(timeout=60), DONE)
+        self.assertEqual((self.folder / "out").stat().st_mode & 0o777, 0o640)
+
+    def test_progress_reaches_its_total(self):
+        self.write("c.zel", self.seal(bytes(CHUNK + 1)))
+        done = self.zel("decrypt", "-k", "key", "--progress=json", "c.zel")
+        end = json.loads(done.stderr.splitlines()[-1])
+        self.assertEqual((end["event"], end["done"]), ("done", end["total"]))
+
+    def test_secret_and_data_are_not_both_standard_input(self):
+        for command in ("encrypt", "decrypt"):
+            for secret in (["-k", "-"], ["-r", "-"], ["--passphrase-fd", "0"], ["--passphrase-file", "-"]):
+                for data in ([], ["-"]):
+                    done = self.zel(command, *secret, *data, stdin=b"secret\n", exit=USAGE)
+                    self.assertIn(b"cannot both be standard input", done.stderr)
+        self.write("f", b"data")
+        self.zel("encrypt", "-k", "-", "f", stdin=KEY)
+        self.assertEqual(self.zel("decrypt", "-k", "-", "f.zel", "-o", "-", stdin=KEY).stdout, b"data")
 
     def test_containers_of_one_key_differ(self):
         first, second = self.seal(bytes(1000)), self.seal(bytes(1000))
@@ -208,24 +249,45 @@ class Container(ContainerTest):
         self.zel("decrypt", "-k", "key", "plain.txt", exit=MALFORMED, stdin=b"")
         self.write("c.bin", self.seal(b"data"))
         self.zel("decrypt", "-k", "key", "c.bin", exit=USAGE)
+        self.write(".zel", self.seal(b"data"))
+        self.assertIn(b"nothing before .zel", self.zel("decrypt", "-k", "key", ".zel", exit=USAGE).stderr)
         self.zel("decrypt", "-p", "--passphrase-file", "key", "c.bin", "-o", "out", exit=USAGE)
 
+    def temporary_of(self, least):
+        """The output that is being written, once it has some bytes."""
+        give_up = time.monotonic() + 60
+        while time.monotonic() < give_up:
+            for path in self.folder.iterdir():
+                if path.name.startswith(".zel-") and path.stat().st_size >= least:
+                    return path
+            time.sleep(0.01)
+        self.fail("nothing is written")
+
     def test_broken_off(self):
-        with open("/dev/zero", "rb") as endless:
+        container = self.folder / "c.zel"
+        with open(container, "wb") as out:
+            process = f"head -c 1M /dev/zero | '{ZEL}' encrypt -q -k key"
+            subprocess.run(["sh", "-c", process], cwd=self.folder, stdout=out, check=True)
+        # The pipe stays open: decryption waits for its last chunk.
+        endless = {"encrypt": "cat /dev/zero", "decrypt": "cat c.zel; exec sleep 60"}
+        before = sorted(os.listdir(self.folder))
+        for command, source in endless.items():
             for sign in (signal.SIGINT, signal.SIGTERM):
-                process = subprocess.Popen([ZEL, "encrypt", "-q", "-k", "key", "-o", "out"],
-                                           stdin=endless, cwd=self.folder)
-                give_up = time.monotonic() + 60
-                while time.monotonic() < give_up and not any(path.name.startswith(".zel-") and path.stat().st_size > CHUNK
-                              for path in self.folder.iterdir()):
-                    time.sleep(0.01)
+                feed = subprocess.Popen(["sh", "-c", source], cwd=self.folder, stdout=subprocess.PIPE)
+                process = subprocess.Popen([ZEL, command, "-q", "-k", "key", "-o", "out"],
+                                           stdin=feed.stdout, cwd=self.folder)
+                self.temporary_of(CHUNK)
                 process.send_signal(sign)
                 self.assertNotEqual(process.wait(timeout=60), DONE)
-                self.assertEqual([path.name for path in self.folder.iterdir()], ["key"])
-        full = subprocess.run(["bash", "-c", f"ulimit -f 200; '{ZEL}' encrypt -k key -o out /dev/zero"],
-                              cwd=self.folder, capture_output=True)
-        self.assertEqual(full.returncode, FILE, full)
-        self.assertEqual(os.listdir(self.folder), ["key"])
+                feed.kill()
+                feed.wait()
+                feed.stdout.close()
+                self.assertEqual(sorted(os.listdir(self.folder)), before)
+        for command, source in (("encrypt", "/dev/zero"), ("decrypt", "c.zel")):
+            full = subprocess.run(["bash", "-c", f"ulimit -f 200; '{ZEL}' {command} -k key -o out {source}"],
+                                  cwd=self.folder, capture_output=True)
+            self.assertEqual(full.returncode, FILE, full)
+            self.assertEqual(sorted(os.listdir(self.folder)), before)
 
 
 if __name__ == "__main__":

@@ -63,8 +63,13 @@ class Mac(MacTest):
         for arguments, exit in ((["-a", "cmac-aria-256", "f"], MALFORMED), (["-a", "gmac-seed", "f"], USAGE),
                                 (["-a", "gmac-seed", "--nonce", "00", "f"], MALFORMED),
                                 (["-a", "gmac-seed", "--nonce", "00" * 12, "f", "f"], USAGE),
+                                (["-a", "gmac-seed", "--nonce", "00" * 12, "-c", "f"], USAGE),
                                 (["-a", "cmac-aes-128", "f"], STATE), (["-a", "cmac-rc4", "f"], USAGE)):
             self.zel("mac", "--key-hex-file", "hex", *arguments, exit=exit)
+        for arguments, advice in (([], b"-a gmac-aria-256"), (["-a", "cmac-seed"], b"-a gmac-aria-256"),
+                                  (["-a", "gmac-seed", "--tag"], b"GMAC has no lists")):
+            done = self.zel("mac", "--key-hex-file", "hex", "--nonce", "00" * 12, *arguments, "f", exit=USAGE)
+            self.assertIn(advice, done.stderr)
 
     def test_every_way_to_give_the_key(self):
         expected = self.zel("mac", "--key-file", "key", "f").stdout

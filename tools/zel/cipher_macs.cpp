@@ -87,7 +87,7 @@ class GmacStream : public Stream {
     filled_ = kBlock;
     absorb();
     Bytes code(kBlock);
-    GMAC_GCTR(code.data(), counter_.data(), hash_.data(), kBlock, kBlock, key_->round_keys,
+    GMAC_GCTR(code.data(), counter_.data(), hash_->data(), kBlock, kBlock, key_->round_keys,
               key_->descriptor->EncryptBlock);
     return code;
   }
@@ -97,8 +97,8 @@ class GmacStream : public Stream {
   void absorb() {
     if (filled_ == 0) return;
     for (std::size_t i = 0; i < kBlock; ++i)
-      pending_[i] = static_cast<std::uint8_t>(pending_[i] ^ hash_[i]);
-    GMAC_GHash(hash_.data(), pending_.data(), static_cast<std::uint32_t>(filled_),
+      pending_[i] = static_cast<std::uint8_t>(pending_[i] ^ (*hash_)[i]);
+    GMAC_GHash(hash_->data(), pending_.data(), static_cast<std::uint32_t>(filled_),
                hash_key_->data(), kBlock);
     pending_.fill(0);
     filled_ = 0;
@@ -107,7 +107,7 @@ class GmacStream : public Stream {
   CipherKey key_;
   Wiped<Block> hash_key_{Block{}};
   Block counter_{};
-  Block hash_{};
+  Wiped<Block> hash_{Block{}};
   std::array<std::uint8_t, std::size_t{64} << 10> pending_{};
   std::size_t filled_ = 0;
   std::uint64_t len_ = 0;

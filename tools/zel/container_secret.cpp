@@ -77,6 +77,17 @@ std::vector<Option> secret_options(SecretOptions &options, const std::string &rs
           {"r", "recipient", "FILE", rsa_description, &options.rsa_key}};
 }
 
+void check_standard_input(const Session &session, const SecretOptions &options,
+                          const std::string &file) {
+  const PassphraseSource passphrase = passphrase_source(session);
+  const bool is_secret = options.key_file == "-" || options.rsa_key == "-" ||
+                         passphrase.descriptor == 0U || passphrase.file == "-";
+  if (is_secret && file == "-") {
+    throw Failure(Exit::kUsage, "-", "the secret and the data cannot both be standard input",
+                  "name the data FILE, or give the secret in a file");
+  }
+}
+
 Secret make_secret(Session &session, const SecretOptions &options, ContainerHeader &header,
                    const std::string &file) {
   const auto source = source_of(session, options);

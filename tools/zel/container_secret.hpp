@@ -16,6 +16,10 @@ struct SecretOptions {
 /// -p, -k and -r.
 std::vector<Option> secret_options(SecretOptions &options, const std::string &rsa_description);
 
+/// Refuses a secret from standard input where the data `file` is "-", too.
+void check_standard_input(const Session &session, const SecretOptions &options,
+                          const std::string &file);
+
 /// The secret for a new container; completes the header, whose salt is already there.
 Secret make_secret(Session &session, const SecretOptions &options, ContainerHeader &header,
                    const std::string &file);

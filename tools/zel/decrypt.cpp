@@ -1,4 +1,6 @@
 // zel decrypt: what `zel encrypt` made, checked chunk by chunk.
+#include <filesystem>
+
 #include "tools/zel/container.hpp"
 #include "tools/zel/container_secret.hpp"
 #include "tools/zel/json.hpp"
@@ -19,13 +21,17 @@ struct DecryptOptions {
 /// FILE.zel becomes FILE.
 std::string output_name(const Session &session, const std::string &file) {
   if (file == "-" || session.flags().output) return "-";
-  if (file.ends_with(kSuffix) && file.size() > kSuffix.size()) {
+  const std::string name = std::filesystem::path(file).filename();
+  if (name != kSuffix && name.ends_with(kSuffix)) {
     return file.substr(0, file.size() - kSuffix.size());
   }
-  throw Failure(Exit::kUsage, file, "its name does not end in .zel", "name the output with -o");
+  throw Failure(
+      Exit::kUsage, file,
+      name == kSuffix ? "its name has nothing before .zel" : "its name does not end in .zel",
+      "name the output with -o");
 }
 
-[[noreturn]] void reject(const std::string &file, const ChunkCipher &cipher) {
+[[noreturn]] void reject(const std::string &file, const ChunkCipher &cipher, const Output &output) {
   const std::uint64_t good = cipher.message_len();
   if (good == 0) {
     throw Failure(Exit::kVerification, file,
@@ -33,7 +39,8 @@ std::string output_name(const Session &session, const std::string &file) {
   }
   throw Failure(Exit::kVerification, file,
                 "changed or cut behind the first " + std::to_string(good) + " bytes of the message",
-                "do not use what was written to standard output");
+                output.is_in_place() ? "do not use what was written to " + output.name()
+                                     : "nothing was written");
 }
 
 void write_chunks(Input &input, const std::string &file, ChunkCipher &cipher, Output &output,
@@ -44,17 +51,19 @@ void write_chunks(Input &input, const std::string &file, ChunkCipher &cipher, Ou
     piece = reader.next();
     const bool is_empty = piece.len == ChunkCipher::kTagLen;
     if (piece.len < ChunkCipher::kTagLen || (is_empty && cipher.message_len() != 0)) {
-      reject(file, cipher);
+      reject(file, cipher, output);
     }
     const auto opened = cipher.open(reader.bytes(), piece.last, plain.room());
-    if (!opened) reject(file, cipher);
+    if (!opened) reject(file, cipher, output);
     output.write(*opened);
+    if (output.is_in_place()) output.flush();
     progress.add(piece.len);
   }
 }
 
 void run(Session &session, const DecryptOptions &options) {
   const std::string file = options.file.value_or("-");
+  check_standard_input(session, options.secret, file);
   Input input(file);
   const ContainerHeader header = read_header(input, file);
   const std::string name = std::string(header.cipher->name) + "-gcm";
@@ -65,6 +74,7 @@ void run(Session &session, const DecryptOptions &options) {
   const Secret secret = find_secret(session, options.secret, header, file);
   ChunkCipher cipher(header, secret.bytes());
   const auto progress = session.progress("decrypt", input.size());
+  progress->add(header.encode().size());
   write_chunks(input, file, cipher, output, *progress);
   session.note(progress->summary());
   progress->finish();

@@ -37,6 +37,7 @@ void write_chunks(Input &input, ChunkCipher &cipher, Output &output, Progress &p
 
 void run(Session &session, const EncryptOptions &options) {
   const std::string file = options.file.value_or("-");
+  check_standard_input(session, options.secret, file);
   ContainerHeader header;
   header.cipher = &chosen_cipher(options);
   Input input(file);

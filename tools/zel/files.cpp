@@ -158,11 +158,16 @@ Output::Output(const std::string &path, bool force, mode_t mode)
   open_temporary(exists ? (status.st_mode & 0777 & mode) : mode);
 }
 
+/// Until it is complete the file is its owner's alone: whoever kills the command leaves no more.
 void Output::open_temporary(mode_t mode) {
+  constexpr mode_t kOwnerOnly = 0600;
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  mode_ = mode & ~mask;
   temporary_ = temporary_name(target_);
   guard_ = std::make_unique<Temporary>(temporary_);
   own_ = Descriptor(
-      ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+      ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
   if (own_.number() < 0) {
     temporary_.clear();
     throw file_failure(path_, errno);
@@ -199,6 +204,7 @@ void Output::flush() {
 void Output::commit() {
   flush();
   if (temporary_.empty()) return;
+  if (::fchmod(number_, mode_) != 0) fail(errno);
   if (::fsync(number_) != 0) fail(errno);
   if (::close(own_.release()) != 0) fail(errno);
   put_in_place();
@@ -223,8 +229,6 @@ void Output::put_in_place() {
 
 bool Output::is_terminal() const noexcept { return ::isatty(number_) == 1; }
 
-void Output::fail(int error_number) const {
-  throw file_failure(is_standard_output() ? "standard output" : path_, error_number);
-}
+void Output::fail(int error_number) const { throw file_failure(name(), error_number); }
 
 }  // namespace zel::tool

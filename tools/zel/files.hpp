@@ -80,6 +80,10 @@ class Output {
 
   bool is_standard_output() const noexcept { return path_ == "-"; }
   bool is_terminal() const noexcept;
+  /// Whether what is written is there at once, on standard output or a device.
+  bool is_in_place() const noexcept { return temporary_.empty(); }
+  /// For messages.
+  std::string name() const { return is_standard_output() ? "standard output" : path_; }
 
  private:
   void open_temporary(mode_t mode);
@@ -89,6 +93,7 @@ class Output {
   std::string path_;       ///< as given
   std::string target_;     ///< where the file goes, links followed
   std::string temporary_;  ///< empty when written in place
+  mode_t mode_ = 0;        ///< of the complete file
   bool force_;
   Descriptor own_;
   int number_;

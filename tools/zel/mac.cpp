@@ -70,12 +70,20 @@ constexpr std::size_t kNonceLen = 12;
 /// The nonce of GMAC. One that serves two messages gives the hash key away.
 Bytes obtain_nonce(const MacOptions &options) {
   if (!options.nonce) return {};
+  if (!options.digest.algorithm || !options.digest.algorithm->starts_with("gmac")) {
+    throw Failure(Exit::kUsage, "--nonce", "is for gmac-* alone",
+                  "name the algorithm, as in '-a gmac-aria-256'");
+  }
   auto nonce = from_hex(*options.nonce);
   if (!nonce || nonce->size() != kNonceLen) {
     throw Failure(Exit::kMalformed, "--nonce", "not 24 hexadecimal digits",
                   "draw it with 'zel rand 12'");
   }
-  if (options.digest.files.size() > 1 || !options.digest.lists.empty()) {
+  if (options.digest.form.tagged || !options.digest.lists.empty()) {
+    throw Failure(Exit::kUsage, "--nonce", "serves one message, and GMAC has no lists",
+                  "leave out --tag and -c, and check one file with --verify");
+  }
+  if (options.digest.files.size() > 1) {
     throw Failure(Exit::kUsage, "--nonce", "serves one message, and several files are named",
                   "give each file a nonce of its own");
   }
