@@ -5,6 +5,7 @@
 
 #include "base/cpu.hpp"
 #include "base/ct.hpp"
+#include "base/wipe.hpp"
 #include "cipher/bulk.hpp"
 #include "cipher/seed.hpp"
 #include "tests/ct/probe.hpp"
@@ -104,8 +105,8 @@ const Probe kTdes{"triple DES in slices with AVX2", many_blocks<tdes, 256 + 255>
 const Probe kBlowfish{"Blowfish", [] { forth_and_back(blowfish, 16, 9); }, true};
 
 /// Key, message and tag are secret. The nonce has 12 bytes: where a hashed one makes the counter
-/// wrap may show. The result of a comparison is not, so GCM is deciphered without one; CCM
-/// deciphers with the parts that it enciphers with.
+/// wrap may show. The result of a comparison is not, so GCM is deciphered without one; CCM shows
+/// on the way back, where nothing is secret any more, that it did something.
 void authenticated(std::uint8_t mode) {
   constexpr std::uint32_t kNonceLen = 12;
   const Buffer plain = numbers();
@@ -119,8 +120,9 @@ void authenticated(std::uint8_t mode) {
   BCIPHER_MakeKey(key, key_bytes.data(), 16, &rijndael);
   BCIPHER_CONTEXT context;
   BCIPHER_Initialize(&context, mode, nullptr, &rijndael);
-  BCIPHER_EncryptAuth(text.data(), &out_len, text.data(), len, plain.data(), 100, plain.data(),
-                      kNonceLen, &context, key, 16);
+  std::int32_t code = BCIPHER_EncryptAuth(text.data(), &out_len, text.data(), len, plain.data(),
+                                          100, plain.data(), kNonceLen, &context, key, 16);
+  require(code == ZEL_OK && out_len == len + sizeof tag, "authenticated encryption");
   if (mode == ZEL_MODE_GCM) {
     GMAC_Decrypt(text.data(), len, tag, plain.data(), 100, key->round_keys, plain.data(), kNonceLen,
                  16, RIJNDAEL_EncryptBlock);
@@ -129,12 +131,50 @@ void authenticated(std::uint8_t mode) {
     open(text);
     require(same && std::equal(plain.begin(), plain.begin() + len, text.begin()), "GCM");
   }
+  if (mode == ZEL_MODE_CCM) {
+    open(text);
+    open(key->round_keys, rijndael.round_keys_len);
+    require(!std::equal(plain.begin(), plain.begin() + len, text.begin()), "CCM");
+    code = BCIPHER_DecryptAuth(text.data(), &out_len, text.data(), len + sizeof tag, plain.data(),
+                               100, plain.data(), kNonceLen, &context, key, 16);
+    require(code == ZEL_OK && std::equal(plain.begin(), plain.begin() + len, text.begin()), "CCM");
+  }
   secret(text);
   GMAC_Mult(text.data(), text.data(), text.data() + 16, 16);
   GMAC_Mult(text.data(), text.data(), text.data() + 16, 8);
   BCIPHER_DelKey(key);
 }
 
+/// The parts that hash as they go: CMAC, and counter mode with a CBC-MAC in one pass over what it
+/// reads and then over what it makes.
+template <const BCIPHER_ALGORITHM &kCipher>
+void codes() {
+  const auto run = [](bool is_secret, std::uint8_t *out) {
+    Buffer key = numbers(), text = key, round_keys;
+    if (is_secret) secret(key);
+    if (is_secret) secret(text);
+    Wiped<CMAC_CONTEXT> cmac;
+    CMAC_Initialize(&*cmac, key.data(), 16, &kCipher);
+    CMAC_Update(&*cmac, text.data(), 1000);
+    CMAC_Finalize(out, 16, &*cmac);
+    kCipher.MakeRoundKey(round_keys.data(), key.data(), 16);
+    const bulk::Cipher keyed(16, kCipher.EncryptBlock, kCipher.DecryptBlock, round_keys.data());
+    std::uint8_t counter[16] = {1};
+    keyed.counter_mac(bulk::MacOf::kInput, text.data(), text.data(), 70, counter, out + 16);
+    counter[15] = 0;
+    keyed.counter_mac(bulk::MacOf::kOutput, text.data(), text.data(), 70, counter, out + 32);
+    open(out, 48);
+  };
+  std::array<std::uint8_t, 48> watched{}, plain{};
+  run(true, watched.data());
+  run(false, plain.data());
+  require(watched == plain && plain != decltype(plain){}, "codes");
+}
+
+const Probe kAesCodes{"CMAC and the pass of CCM over AES", codes<rijndael>};
+const Probe kAriaCodes{"CMAC and the pass of CCM over ARIA", [] {
+                         if (cpu::has(cpu::Feature::kAesni)) codes<aria>();
+                       }};
 const Probe kGcm{"GCM and GHASH", [] { authenticated(ZEL_MODE_GCM); }};
 const Probe kCcm{"CCM", [] { authenticated(ZEL_MODE_CCM); }};
 
