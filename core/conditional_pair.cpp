@@ -34,6 +34,7 @@ constexpr Text kSignedPss{"This is a test message for RSASSA-PSS usage!"};
 constexpr Text kSignedKcdsa{"This is a test message for KCDSA usage!"};
 constexpr Text kSignedPkcs1{"This is a test message."};
 
+/// SHA-224, not the default of any scheme here, leaves room for moduli down to 592 bits.
 bool encrypts(const RSA_PRIVATE_KEY *private_key, const RSA_PUBLIC_KEY *public_key) noexcept {
   Wiped<std::uint8_t[ZEL_MINT_BYTES]> sealed;
   Wiped<std::uint8_t[ZEL_MINT_BYTES]> opened;

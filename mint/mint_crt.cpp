@@ -28,11 +28,23 @@ void difference_times(Limb *h, const Narrow &p, const Narrow &a, const Narrow &b
 
 }  // namespace
 
+bool product_fits(const MINT &a, const MINT &b) noexcept {
+  const std::uint32_t bits = MINT_GetBitLength(&a) + MINT_GetBitLength(&b);
+  if (bits != ZEL_MINT_BITS + 1) return bits <= ZEL_MINT_BITS;
+  const Narrow x(a.words, significant(a));
+  const Narrow y(b.words, significant(b));
+  Limbs<2 * kMaxLimbs> product(x.size() + y.size());
+  limbs::mul(product.data(), x.data(), x.size(), y.data(), y.size());
+  Limb above = 0;
+  for (std::size_t i = kMaxLimbs; i < product.size(); ++i)
+    above |= product[i];
+  return above == 0;
+}
+
 std::int32_t combine_secret(MINT &r, const Residues &residues) noexcept {
   const std::uint32_t p_words = significant(*residues.p);
   const std::uint32_t q_words = significant(*residues.q);
-  const std::uint32_t bits = MINT_GetBitLength(residues.p) + MINT_GetBitLength(residues.q);
-  if (p_words == 0 || residues.p->words[0] % 2 == 0 || bits > ZEL_MINT_BITS + 1) {
+  if (p_words == 0 || residues.p->words[0] % 2 == 0 || !product_fits(*residues.p, *residues.q)) {
     set_word(r, 0);
     return ZEL_ERR_GENERIC;
   }

@@ -106,6 +106,14 @@ void power_classic(MINT &r, const MINT &a, const MINT &e, const MINT &N,
   set_limbs(r, x.data(), n);
 }
 
+/// All ones where a secret is zero.
+std::uint32_t zero_mask(const MINT &a) noexcept {
+  std::uint32_t bits = 0;
+  for (std::uint32_t i = 0; i < used(a); ++i)
+    bits |= a.words[i];
+  return ct::mask_if_zero(bits);
+}
+
 std::size_t bits_of(const SecretPower &power) noexcept {
   return std::min<std::uint32_t>(power.bits, ZEL_MINT_BITS);
 }
@@ -114,11 +122,14 @@ std::size_t bits_of(const SecretPower &power) noexcept {
 
 std::int32_t power_secret(const SecretPower &power) noexcept {
   if (!is_odd(*power.N)) return refuse(*power.r);
-  if (significant(*power.a) == 0) {
-    set_word(*power.r, 0);
-    return ZEL_OK;
-  }
-  return power_odd(*power.r, *power.a, *power.e, *power.N, bits_of(power));
+  const std::uint32_t is_zero = zero_mask(*power.a);
+  MINT &r = *power.r;
+  if (power_odd(r, *power.a, *power.e, *power.N, bits_of(power)) != ZEL_OK) return ZEL_ERR_GENERIC;
+  // Zero to the power of zero counts as zero.
+  for (std::uint32_t &word : r.words)
+    word &= ~is_zero;
+  r.length &= ~is_zero;
+  return ZEL_OK;
 }
 
 std::int32_t power_secret_two(const SecretPower &first, const SecretPower &second) noexcept {

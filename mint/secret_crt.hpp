@@ -21,8 +21,11 @@ struct Residues {
 /// decide. r may be any operand; all of its words are set. H. L. Garner, "The residue number
 /// system", IRE Transactions on Electronic Computers 8 (1959).
 ///
-/// ZEL_ERR_GENERIC, with r zero: p is zero or even, or p q cannot but have more than 4160 bits.
-/// Where it has one bit more, the low 4160 bits of the sum are kept.
+/// ZEL_ERR_GENERIC, with r zero: p is zero or even, or p q has more than 4160 bits.
 [[nodiscard]] std::int32_t combine_secret(MINT &r, const Residues &residues) noexcept;
+
+/// Whether a record holds the product of two secrets, that is whether it has 4160 bits at most. The
+/// bit lengths of both show, and the answer.
+[[nodiscard]] bool product_fits(const MINT &a, const MINT &b) noexcept;
 
 }  // namespace zel::mint

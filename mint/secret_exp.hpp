@@ -17,8 +17,7 @@ struct SecretPower {
   std::uint32_t bits;
 };
 
-/// What MINT_ExpWin gives, in a time that depends on the lengths of a and N, on whether a is zero
-/// and on `bits` alone.
+/// What MINT_ExpWin gives, in a time that depends on the lengths of a and N and on `bits` alone.
 ///
 /// ZEL_ERR_GENERIC, with r zero: N is zero or even, or there is no memory.
 [[nodiscard]] std::int32_t power_secret(const SecretPower &power) noexcept;

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/bytes.hpp"
+#include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "core/gate.hpp"
 #include "pk/rsa_crypt.hpp"
@@ -49,7 +50,8 @@ std::int32_t encode_padded(std::uint8_t *em, std::uint32_t em_len, Bytes message
     return status;
   }
   // Deliberate: zero bytes become ones rather than being drawn again.
-  std::replace(padding, padding + padding_len, std::uint8_t{0}, std::uint8_t{1});
+  for (std::uint32_t i = 0; i < padding_len; ++i)
+    padding[i] |= static_cast<std::uint8_t>(1 & ct::mask_if_zero(padding[i]));
   em[0] = 2;
   padding[padding_len] = 0;
   std::memcpy(padding + padding_len + 1, message.data, message.len);

@@ -9,7 +9,9 @@ namespace zel::pk {
 /// The label in a record RSA_OAEP_LABEL; empty for none.
 Bytes label_of(const void *record) noexcept;
 
-/// out[k] = em[k] to the public exponent, for a modulus of k bytes; em starts with a zero byte.
+/// out[k] = em[k] to the public exponent, in a time that does not depend on em, for a modulus of k
+/// bytes. em starts with a zero byte, so it is below the modulus. ZEL_ERR_GENERIC, with nothing
+/// written: the modulus is even, or there is no memory.
 [[nodiscard]] std::int32_t encrypt_block(std::uint8_t *out, const std::uint8_t *em, std::uint32_t k,
                                          const RSA_PUBLIC_KEY &key) noexcept;
 

@@ -8,6 +8,8 @@
 #include "base/ct.hpp"
 #include "base/wipe.hpp"
 #include "mint/secret.hpp"
+#include "mint/secret_crt.hpp"
+#include "pk/rsa_primitive.hpp"
 #include "zel_cc/mint_arith.h"
 #include "zel_cc/mint_rand.h"
 #include "zel_cc/prime.h"
@@ -95,8 +97,8 @@ bool find_prime(MINT &prime, const MINT &e, std::uint32_t modulus_bits) noexcept
 }
 
 /// A key pair for the exponent in `key`. On failure nothing is left of it.
-std::int32_t generate(RSA_PRIVATE_KEY &private_key, RSA_PUBLIC_KEY &public_key, const MINT &e,
-                      std::uint32_t bits) noexcept {
+std::int32_t make_pair(RSA_PRIVATE_KEY &private_key, RSA_PUBLIC_KEY &public_key, const MINT &e,
+                       std::uint32_t bits) noexcept {
   Wiped<RSA_PRIVATE_KEY> key;
   *key = {};
   key->e = e;
@@ -120,7 +122,8 @@ std::int32_t generate_for(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *public_k
   }
   MINT exponent{};
   MINT_SetByInteger(&exponent, e);
-  return generate(*private_key, *public_key, exponent, bits);
+  return with_wiped_stack<kStackDepth>(
+      [&] { return make_pair(*private_key, *public_key, exponent, bits); });
 }
 
 bool has_prime_factors(const RSA_PRIVATE_KEY &key) noexcept {
@@ -128,10 +131,10 @@ bool has_prime_factors(const RSA_PRIVATE_KEY &key) noexcept {
     const std::uint32_t rounds = PRIME_SelectMRIter(MINT_GetBitLength(prime));
     if (PRIME_MRTest(prime, rounds) != 1) return false;
   }
+  if (!mint::product_fits(key.p, key.q)) return false;
   Wiped<MINT> product;
   MINT_Mult(&*product, &key.p, &key.q);
-  const std::uint32_t bits = MINT_GetBitLength(&key.p) + MINT_GetBitLength(&key.q);
-  return bits <= ZEL_MINT_BITS + 1 && are_equal(*product, key.n);
+  return are_equal(*product, key.n);
 }
 
 /// Whether the halves are those of d and of the primes.
@@ -142,6 +145,22 @@ bool has_matching_halves(const RSA_PRIVATE_KEY &key, const Orders &orders) noexc
   reduce_exponent(*x, key.d, orders.q1);
   if (!equal_secret(*x, key.dQ)) return false;
   return invert(*x, key.q, key.p) == ZEL_OK && equal_secret(*x, key.qInv);
+}
+
+bool is_pair(const RSA_PRIVATE_KEY &key, const RSA_PUBLIC_KEY &open) noexcept {
+  return are_equal(key.n, open.n) && are_equal(key.e, open.e);
+}
+
+bool is_valid(const RSA_PRIVATE_KEY &key, const RSA_PUBLIC_KEY &open) noexcept {
+  if (!has_prime_factors(key)) return false;
+  Wiped<Orders> orders;
+  take_orders(*orders, key.p, key.q);
+  if (!is_coprime(key.e, orders->p1) || !is_coprime(key.e, orders->q1) ||
+      !is_coprime(key.e, orders->lambda)) {
+    return false;
+  }
+  // Deliberate: d is compared with the exponents of the halves alone, not with e.
+  return is_pair(key, open) && has_matching_halves(key, *orders);
 }
 
 }  // namespace
@@ -161,23 +180,17 @@ std::int32_t generate_default(void *private_key, void *public_key, std::uint32_t
 std::int32_t check_key(const void *private_key, const void *public_key) noexcept {
   if (any_null(private_key, public_key)) return ZEL_ERR_GENERIC;
   const auto &key = *static_cast<const RSA_PRIVATE_KEY *>(private_key);
-  if (!has_prime_factors(key)) return ZEL_ERR_GENERIC;
-  Wiped<Orders> orders;
-  take_orders(*orders, key.p, key.q);
-  if (!is_coprime(key.e, orders->p1) || !is_coprime(key.e, orders->q1) ||
-      !is_coprime(key.e, orders->lambda)) {
-    return ZEL_ERR_GENERIC;
-  }
-  // Deliberate: d is compared with the exponents of the halves alone, not with e.
-  if (check_pair(private_key, public_key) != ZEL_OK) return ZEL_ERR_GENERIC;
-  return has_matching_halves(key, *orders) ? ZEL_OK : ZEL_ERR_GENERIC;
+  const auto &open = *static_cast<const RSA_PUBLIC_KEY *>(public_key);
+  return with_wiped_stack<kStackDepth>([&] { return is_valid(key, open); }) ? ZEL_OK
+                                                                            : ZEL_ERR_GENERIC;
 }
 
 std::int32_t check_pair(const void *private_key, const void *public_key) noexcept {
   if (any_null(private_key, public_key)) return ZEL_ERR_GENERIC;
-  const auto &secret = *static_cast<const RSA_PRIVATE_KEY *>(private_key);
-  const auto &open = *static_cast<const RSA_PUBLIC_KEY *>(public_key);
-  return are_equal(secret.n, open.n) && are_equal(secret.e, open.e) ? ZEL_OK : ZEL_ERR_GENERIC;
+  return is_pair(*static_cast<const RSA_PRIVATE_KEY *>(private_key),
+                 *static_cast<const RSA_PUBLIC_KEY *>(public_key))
+             ? ZEL_OK
+             : ZEL_ERR_GENERIC;
 }
 
 }  // namespace zel::pk
@@ -206,7 +219,7 @@ int32_t RSA_GenKeyEx(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *public_key, u
 
 int32_t RSA_GenKey_Exact(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *public_key, uint32_t bits,
                          uint32_t e) {
-  // Both primes have the same number of bits, so that an odd sum is never reached.
+  // Both primes have bits / 2 bits, rounded down: their product falls short of an odd number.
   if (bits % 2 != 0) return ZEL_ERR_GENERIC;
   for (int tries = 0; tries < pk::kExactTries; ++tries) {
     const int32_t status = RSA_GenKeyEx(private_key, public_key, bits, e);
@@ -216,6 +229,8 @@ int32_t RSA_GenKey_Exact(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *public_ke
     }
     if (MINT_GetBitLength(&private_key->n) == bits) return ZEL_OK;
   }
+  wipe_object(*private_key);
+  wipe_object(*public_key);
   return ZEL_ERR_GENERIC;
 }
 

@@ -3,6 +3,7 @@
 
 #include "base/bytes.hpp"
 #include "base/wipe.hpp"
+#include "mint/secret_exp.hpp"
 #include "pk/oaep.hpp"
 #include "pk/rsa_crypt.hpp"
 #include "zel_cc/rsa_oaep.h"
@@ -15,13 +16,25 @@ Bytes label_of(const void *record) noexcept {
   return {label.label, label.label == nullptr ? 0 : label.labelLen};
 }
 
-std::int32_t encrypt_block(std::uint8_t *out, const std::uint8_t *em, std::uint32_t k,
-                           const RSA_PUBLIC_KEY &key) noexcept {
+namespace {
+
+std::int32_t raise_public(std::uint8_t *out, const std::uint8_t *em, std::uint32_t k,
+                          const RSA_PUBLIC_KEY &key) noexcept {
+  // The base is secret, unlike that of a signature; the exponent is not.
   Wiped<MINT> m;
   octets_to_integer(*m, em, k);
-  const std::int32_t status = public_operation(*m, *m, key);
-  if (status == ZEL_OK) MINT_WriteLSNByteInByteArray(out, k, &*m);
-  return status;
+  if (mint::power_secret(*m, *m, key.e, key.n, MINT_GetBitLength(&key.e)) != ZEL_OK) {
+    return ZEL_ERR_GENERIC;
+  }
+  secret_to_octets(out, k, *m);
+  return ZEL_OK;
+}
+
+}  // namespace
+
+std::int32_t encrypt_block(std::uint8_t *out, const std::uint8_t *em, std::uint32_t k,
+                           const RSA_PUBLIC_KEY &key) noexcept {
+  return with_wiped_stack<kStackDepth>([&] { return raise_public(out, em, k, key); });
 }
 
 std::int32_t decrypt_block(std::uint8_t *em, const std::uint8_t *in, std::uint32_t k,
@@ -40,7 +53,7 @@ std::int32_t encode(std::uint8_t *em, std::uint32_t k, Bytes message, Bytes labe
                     const HASH_ALGORITHM &hash) noexcept {
   if (k == 0) return ZEL_ERR_RSA_MESSAGE_LEN;
   const std::int32_t status = encode_oaep(em + 1, k - 1, message, label, hash, Seed::kZero);
-  if (status != ZEL_ERR_RSA_MESSAGE_LEN) em[0] = 0;
+  if (status == ZEL_OK) em[0] = 0;
   return status;
 }
 

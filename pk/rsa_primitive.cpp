@@ -31,10 +31,9 @@ mint::SecretPower half_of(MINT &r, const MINT &m, const MINT &exponent,
   return {&r, &m, &exponent, &prime, kWordBits * std::max(used(prime), used(exponent))};
 }
 
-}  // namespace
-
-std::int32_t private_operation(MINT &s, const MINT &m, const RSA_PRIVATE_KEY &key) noexcept {
+std::int32_t raise_private(MINT &s, const MINT &m, const RSA_PRIVATE_KEY &key) noexcept {
   if (!is_odd(key.n) || !is_modulus(key.p) || !is_modulus(key.q)) return ZEL_ERR_GENERIC;
+  if (!mint::product_fits(key.p, key.q)) return ZEL_ERR_GENERIC;
   if (MINT_GetBitLength(&m) == 0) {
     s = MINT{};
     return ZEL_OK;
@@ -50,6 +49,12 @@ std::int32_t private_operation(MINT &s, const MINT &m, const RSA_PRIVATE_KEY &ke
   }
   s = *a;
   return ZEL_OK;
+}
+
+}  // namespace
+
+std::int32_t private_operation(MINT &s, const MINT &m, const RSA_PRIVATE_KEY &key) noexcept {
+  return with_wiped_stack<kStackDepth>([&] { return raise_private(s, m, key); });
 }
 
 std::int32_t public_operation(MINT &m, const MINT &s, const RSA_PUBLIC_KEY &key) noexcept {
@@ -134,7 +139,10 @@ int32_t RSA_I2OSP(uint8_t *out, uint32_t *out_len, const MINT *a) {
 
 int32_t RSA_MGF1(uint8_t *mask, uint32_t mask_len, const uint8_t *seed, uint32_t seed_len,
                  const HASH_ALGORITHM *hash) {
-  if (any_null(mask, seed) || hash == nullptr) return ZEL_ERR_GENERIC;
+  if ((mask == nullptr && mask_len != 0) || (seed == nullptr && seed_len != 0) || hash == nullptr) {
+    return ZEL_ERR_GENERIC;
+  }
+  if (mask_len == 0) return ZEL_OK;
   std::memset(mask, 0, mask_len);
   // The mask stays zero where hashing is refused: there is no other answer than success.
   static_cast<void>(apply_mask(mask, mask_len, seed, seed_len, *hash));

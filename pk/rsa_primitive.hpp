@@ -2,6 +2,7 @@
 // width. RFC 8017, sections 4 and 5.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "zel_cc/rsa.h"
@@ -12,6 +13,9 @@ namespace zel::pk {
 inline constexpr std::uint32_t kMaxModulusLen = ZEL_MINT_BYTES;
 /// Room for an encoded message.
 using Octets = std::uint8_t[kMaxModulusLen];
+
+/// Stack below an operation on secrets where compilers leave limbs.
+inline constexpr std::size_t kStackDepth = 16384;
 
 /// Bytes of a modulus.
 inline std::uint32_t modulus_len(const MINT &n) noexcept { return (MINT_GetBitLength(&n) + 7) / 8; }

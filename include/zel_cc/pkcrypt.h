@@ -167,11 +167,11 @@ ZEL_BEGIN_DECLS
 /** @{ */
 
 /**
- * Makes a parameter object, filled with zeros. Release it with `PKCRYPT_DelParam`.
+ * Makes a parameter object, filled with zeros; for a scheme without parameters they are 16, which
+ * encryption takes for an empty label. Release it with `PKCRYPT_DelParam`.
  *
  * @param[in] descriptor  the scheme
- * @return the object; null when the module is not serving, the descriptor is null or its size
- *         negative, or memory is short
+ * @return the object; null: the module is not serving, no descriptor or a negative size, no memory
  */
 ZEL_API PKCRYPT_KEY *PKCRYPT_NewParam(const PKCRYPT_ALGORITHM *descriptor);
 

@@ -98,9 +98,9 @@ ZEL_API int32_t RSA_I2OSP(uint8_t *out, uint32_t *out_len, const MINT *a);
 /**
  * The mask generation function MGF1. RFC 8017, appendix B.2.1.
  *
- * @param[out] mask      [mask_len] bytes
+ * @param[out] mask      [mask_len] bytes; may be null for none
  * @param[in]  mask_len  bytes
- * @param[in]  seed      [seed_len] bytes
+ * @param[in]  seed      [seed_len] bytes; may be null for none
  * @param[in]  seed_len  bytes
  * @param[in]  hash      hash algorithm
  * @retval ZEL_OK           done; or the module is not serving and does not hash, and `mask` is zero

@@ -60,17 +60,17 @@ ZEL_API int32_t RSA_GenKeyEx(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *publi
                              uint32_t bits, uint32_t e);
 
 /**
- * Generates by RSA_GenKeyEx until the modulus has exactly the bits that were asked. A failure is
- * also told on standard output.
+ * Generates by RSA_GenKeyEx until the modulus has exactly the bits that were asked. A failure of
+ * RSA_GenKeyEx is also told on standard output.
  *
  * @param[out] private_key  private key
  * @param[out] public_key   public key
  * @param[in]  bits         bits of the modulus, even, 4160 at most
  * @param[in]  e            public exponent, odd
  * @retval ZEL_OK           done
- * @retval ZEL_ERR_GENERIC  an odd number of bits, which two primes of one size cannot make: nothing
- *                          touched or told; or no such modulus in 1000 pairs
- * @return otherwise the result of RSA_GenKeyEx that was not #ZEL_OK
+ * @retval ZEL_ERR_GENERIC  an odd number of bits, which primes of bits / 2 bits cannot make: nothing
+ *                          touched or told; or none in 1000 pairs: keys zeroed, nothing told
+ * @return otherwise the result of RSA_GenKeyEx, with the keys as that leaves them
  */
 ZEL_API int32_t RSA_GenKey_Exact(RSA_PRIVATE_KEY *private_key, RSA_PUBLIC_KEY *public_key,
                                  uint32_t bits, uint32_t e);
