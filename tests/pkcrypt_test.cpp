@@ -2,6 +2,7 @@
 // and in which order calls are refused. The schemes here are the test's own and note their calls.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -152,8 +153,61 @@ TEST(PublicKeyFront, MakesObjectsOfTheSizesOfTheScheme) {
   scheme.PriKeySize = scheme.PubKeySize = scheme.ParamSize = -1;
   EXPECT_TRUE(!pri_of(scheme) && !pub_of(scheme) && !param_of(scheme));
   EXPECT_EQ(nullptr, PKCRYPT_NewPriKey(nullptr));
-  EXPECT_TRUE(rsa.PriKeySize == 4192 && rsa.PubKeySize == 1048 && rsa.ParamSize == 0 &&
-              rsa.SignatureSize == 524 && rsa.Type == 0 && rsa21.PriKeySize == 4192);
+}
+
+using Function = void (*)();
+template <class... F>
+std::array<Function, 13> slots(F... f) {
+  return {reinterpret_cast<Function>(f)...};
+}
+
+// The records word for word, in the order of their slots; those of encryption and of parameters
+// stand in the middle.
+TEST(PublicKeyFront, DescribesTheSchemes) {
+  const auto none = static_cast<Function>(nullptr);
+  const struct {
+    const PKCRYPT_ALGORITHM &scheme;
+    std::array<Function, 13> functions;
+    std::array<std::int32_t, 6> words;
+  } rows[] = {
+      {rsa,
+       slots(RSA_SSA_S, RSA_SSA_V, RSA_SSA_S_File, RSA_SSA_V_File, RSAES_OAEP_ENCRYPT21,
+             RSAES_OAEP_DECRYPT21, none, RSA_GenKey, none, RSA_CheckKey, RSA_CheckKeyPair,
+             RSA_SSA_S_Hash, RSA_SSA_V_Hash),
+       {4192, 1048, 0, 524, 0, 0}},
+      {rsa21,
+       slots(RSA_SSA_PSS_S, RSA_SSA_PSS_V, RSA_SSA_PSS_S_File, RSA_SSA_PSS_V_File,
+             RSAES_OAEP_ENCRYPT21, RSAES_OAEP_DECRYPT21, none, RSA_GenKey, none, RSA_CheckKey,
+             RSA_CheckKeyPair, RSA_SSA_PSS_S_Hash, RSA_SSA_PSS_V_Hash),
+       {4192, 1048, 0, 524, 0, 0}},
+      {rsa20,
+       slots(RSA20_SSA_S, RSA20_SSA_V, RSA20_SSA_S_File, RSA20_SSA_V_File, RSA20_ES_E, RSA20_ES_D,
+             none, RSA20_GenKey, none, RSA20_CheckKey, RSA20_CheckKeyPair, RSA20_SSA_S_Hash,
+             RSA20_SSA_V_Hash),
+       {4192, 1048, 0, 524, 0, 0}},
+      {p_kcdsa1,
+       slots(KCDSA_SSA_S, KCDSA_SSA_V, KCDSA_SSA_S_File, KCDSA_SSA_V_File, none, none,
+             KCDSA_GenParam, KCDSA_GenKey, KCDSA_CheckParam, KCDSA_CheckKey, KCDSA_CheckKeyPair,
+             KCDSA_SSA_S_Hash, KCDSA_SSA_V_Hash),
+       {524, 524, 1612, 588, 2, 0}},
+      {popkcdsa,
+       slots(KCDSA_SSA_S0, KCDSA_SSA_V0, KCDSA_SSA_S0_File, KCDSA_SSA_V0_File, none, none,
+             KCDSA_GenParam, KCDSA_GenKey, KCDSA_CheckParam, KCDSA_CheckKey, KCDSA_CheckKeyPair,
+             none, none),
+       {524, 524, 1612, 588, 1, 0}},
+      {dsa,
+       slots(DSA_SSA_S, DSA_SSA_V, DSA_SSA_S_File, DSA_SSA_V_File, none, none, DSA_GenParam,
+             DSA_GenKey, DSA_CheckParam, DSA_CheckKey, DSA_CheckKeyPair, DSA_SSA_S_Hash,
+             DSA_SSA_V_Hash),
+       {524, 524, 1572, 1048, 0, 0}},
+  };
+  for (const auto &row : rows) {
+    std::array<Function, 13> functions;
+    std::memcpy(&functions, &row.scheme, 11 * sizeof(Function));
+    std::memcpy(&functions[11], &row.scheme.SignHash, 2 * sizeof(Function));
+    EXPECT_EQ(row.functions, functions) << row.words[3] << " " << &row - rows;
+    EXPECT_EQ(0, std::memcmp(&row.words, &row.scheme.PriKeySize, sizeof row.words)) << &row - rows;
+  }
 }
 
 // Keys of the two RSA schemes serve each other; nothing else crosses a descriptor.
@@ -172,6 +226,74 @@ TEST(PublicKeyFront, GoesTogether) {
   EXPECT_EQ(-1, PKCRYPT_CheckKeyPair(pri.get(), pub.get(), stranger.get()));
   EXPECT_EQ(-1, PKCRYPT_CheckKey(pri.get(), rsa_pub.get(), nullptr));
   EXPECT_EQ(-1, PKCRYPT_CheckKey(nullptr, pub.get(), nullptr));
+}
+
+// The family of two is no bridge to the third scheme, from either side.
+TEST(PublicKeyFront, KeepsTheRsaFamilyToItself) {
+  RSA_PRIVATE_KEY a{};
+  RSA_PUBLIC_KEY b{};
+  PKCRYPT_KEY pri{&rsa, &a}, pub{&rsa21, &b}, pri20{&rsa20, &a}, pub20{&rsa20, &b};
+  EXPECT_EQ(0, PKCRYPT_CheckKeyPair(&pri, &pub, &pub));
+  EXPECT_EQ(0, PKCRYPT_CheckKeyPair(&pri20, &pub20, nullptr));
+  EXPECT_EQ(-1, PKCRYPT_CheckKeyPair(&pri, &pub20, nullptr));
+  EXPECT_EQ(-1, PKCRYPT_CheckKeyPair(&pri20, &pub, nullptr));
+  EXPECT_EQ(-1, PKCRYPT_CheckKeyPair(&pri, &pub, &pub20));
+}
+
+// Each object absent, without a scheme and without a buffer: no slot is reached.
+TEST(PublicKeyFront, WantsWholeObjects) {
+  PKCRYPT_ALGORITHM scheme = scheme_of(0), bare = scheme_of(0);
+  scheme.GenParam = [](void *, uint32_t, uint32_t) { return kResult; };
+  scheme.CheckParam = [](const void *) { return kResult; };
+  scheme.GenKey = [](void *, void *, const void *) { return kResult; };
+  scheme.CheckKey =
+      scheme.CheckKeyPair = [](const void *, const void *, const void *) { return kResult; };
+  char buf[24];
+  PKCRYPT_KEY good{&scheme, buf}, without_slots{&bare, buf};
+  PKCRYPT_KEY schemeless{nullptr, buf}, bufferless{&scheme, nullptr};
+  EXPECT_EQ(kResult, PKCRYPT_GenParam(&good, 1, 2));
+  EXPECT_EQ(kResult, PKCRYPT_CheckParam(&good));
+  EXPECT_EQ(kResult, PKCRYPT_GenKey(&good, &good, &good, 0));
+  EXPECT_EQ(-1, PKCRYPT_GenParam(&without_slots, 1, 2));
+  EXPECT_EQ(-1, PKCRYPT_CheckParam(&without_slots));
+  for (PKCRYPT_KEY *bad : {static_cast<PKCRYPT_KEY *>(nullptr), &schemeless, &bufferless}) {
+    EXPECT_EQ(-1, PKCRYPT_GenParam(bad, 1, 2));
+    EXPECT_EQ(-1, PKCRYPT_CheckParam(bad));
+    EXPECT_EQ(-1, PKCRYPT_GenKey(bad, &good, &good, 1));
+    EXPECT_EQ(-1, PKCRYPT_GenKey(&good, bad, &good, 1));
+    EXPECT_EQ(-1, PKCRYPT_GenKey(&good, &good, bad, 1)) << "nor is a size taken instead";
+    for (const auto check : {PKCRYPT_CheckKey, PKCRYPT_CheckKeyPair}) {
+      EXPECT_EQ(-1, check(bad, &good, &good));
+      EXPECT_EQ(-1, check(&good, bad, &good));
+      EXPECT_EQ(bad == nullptr ? kResult : -1, check(&good, &good, bad));
+    }
+  }
+}
+
+TEST(PublicKeyFront, EncryptsThroughWholeCallsAlone) {
+  PKCRYPT_ALGORITHM scheme = scheme_of(0);
+  scheme.Encrypt = scheme.Decrypt = [](uint8_t *out, uint32_t *, const uint8_t *in, uint32_t len,
+                                       const void *key, const void *param, const HASH_ALGORITHM *,
+                                       const void *extra) {
+    return note("crypt", out, in, len, key, param, extra);
+  };
+  const PKCRYPT_ALGORITHM other = scheme;
+  char buf[24];
+  const PKCRYPT_KEY key{&scheme, buf}, param{&scheme, buf + 1}, foreign{&other, buf};
+  const PKCRYPT_KEY schemeless{nullptr, buf}, signs_only{&dsa, buf};
+  std::uint8_t out[4], in[4];
+  std::uint32_t len = 0;
+  for (const auto operation : {PKCRYPT_Encrypt, PKCRYPT_Decrypt}) {
+    EXPECT_EQ(kResult, operation(out, &len, in, 4, &key, &param, nullptr, &len));
+    EXPECT_TRUE(g_seen.body == out && g_seen.input == in && g_seen.len == 4 && g_seen.key == buf &&
+                g_seen.param == buf + 1 && g_seen.seventh == &len);
+    EXPECT_EQ(-1, operation(nullptr, &len, in, 4, &key, nullptr, &sha256, nullptr));
+    EXPECT_EQ(-1, operation(out, &len, nullptr, 4, &key, nullptr, &sha256, nullptr));
+    EXPECT_EQ(-1, operation(out, &len, in, 4, &key, &foreign, &sha256, nullptr));
+    for (const PKCRYPT_KEY *bad :
+         {static_cast<const PKCRYPT_KEY *>(nullptr), &schemeless, &signs_only})
+      EXPECT_EQ(-1, operation(out, &len, in, 4, bad, nullptr, &sha256, nullptr));
+  }
 }
 
 TEST(PublicKeyFront, GeneratesForParametersOrForASize) {

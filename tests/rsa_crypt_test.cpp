@@ -93,6 +93,23 @@ TEST(RsaOaep, EncryptsWithAZeroSeed) {
   }
 }
 
+// A label that is not there has no length.
+TEST(RsaOaep, TakesANullLabelForTheEmptyOne) {
+  const RsaKey &key = key_of_bits(1024);
+  const RSA_OAEP_LABEL label{nullptr, 5};
+  std::uint8_t plain[128]{}, labelled[128]{}, out[128];
+  std::uint32_t len = 0;
+  const auto encrypt_to = [&](std::uint8_t *sealed, const RSA_OAEP_LABEL *with) {
+    return RSAES_OAEP_ENCRYPT21(sealed, &len, plain, 0, &key.pub, with, &sha256, nullptr);
+  };
+  EXPECT_EQ(ZEL_OK, encrypt_to(labelled, &label));
+  EXPECT_EQ(ZEL_OK, encrypt_to(plain, nullptr));
+  EXPECT_EQ(0, std::memcmp(plain, labelled, 128));
+  EXPECT_EQ(ZEL_OK,
+            RSAES_OAEP_DECRYPT21(out, &len, plain, 128, &key.pri, &label, &sha256, nullptr));
+  EXPECT_EQ(0U, len);
+}
+
 Answer peer(const RsaKey &key, const Bytes &in, const char *md, bool encrypts) {
   const PeerKey pkey = peer_key(key);
   EVP_PKEY_CTX *const context = EVP_PKEY_CTX_new(pkey.get(), nullptr);
@@ -147,6 +164,7 @@ TEST(RsaEncryption, RefusesInOrder) {
   const RsaKey &key = key_of_bits(1024), &small = key_of_bits(512);
   const Bytes block(128, 1);
   EXPECT_EQ(ZEL_ERR_RSA_DECODE, decrypt(rsa, key, Bytes(127, 1), &sha512).status);
+  EXPECT_EQ(ZEL_ERR_GENERIC, decrypt(rsa, key, {}, &sha512).status);
   EXPECT_EQ(ZEL_ERR_OAEP_MODULUS, decrypt(rsa, key, block, &sha512).status);
   EXPECT_EQ(ZEL_ERR_GENERIC, decrypt(rsa, key, block, &sha256).status);
   EXPECT_EQ(ZEL_ERR_GENERIC, decrypt(rsa, key, block, nullptr).status);
@@ -225,6 +243,11 @@ TEST(Rsa20, FindsTheMessageBehindThePadding) {
   EXPECT_EQ(ZEL_OK, RSA20_EME2_E(em.data(), 40, message.data(), 30));
   EXPECT_TRUE(em[0] == 2 && em[9] == 0 && std::count(em.begin() + 1, em.begin() + 9, 0) == 0);
   EXPECT_EQ(message, Bytes(em.begin() + 10, em.end()));
+  // Zeros of the padding become ones, so that there are twice as many of these.
+  Bytes padded(100000);
+  ASSERT_EQ(ZEL_OK, RSA20_EME2_E(padded.data(), 100000, message.data(), 1));
+  EXPECT_GT(std::count(padded.begin(), padded.end(), 1), 100000 / 256 * 3 / 2);
+  EXPECT_LT(std::count(padded.begin(), padded.end(), 2), 100000 / 256 * 3 / 2);
 }
 
 // Encoding alone puts a zero byte in front; decoding alone wants it gone, and one byte at the end.
@@ -265,6 +288,7 @@ TEST(RsaEncryption, SurvivesWithoutMemory) {
   const MINT in{1, {9}};
   FILE *const stream = std::tmpfile();
   const RSA_OAEP_LABEL *const none = nullptr;
+  const RsaKey &long_e = key_of_bits(1024, 4294967291);  // powers of short exponents need no memory
   g_no_memory = true;
   EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SP1(&r, &in, &key.pri));
   EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_S_File(&r, stream, 9, &key.pri, nullptr, &sha256));
@@ -272,9 +296,21 @@ TEST(RsaEncryption, SurvivesWithoutMemory) {
   EXPECT_EQ(ZEL_ERR_GENERIC, EME_OAEP_DECODE21(out, &len, block, 128, nullptr, 0, &sha256));
   EXPECT_EQ(ZEL_ERR_GENERIC, RSA20_EME1_D(out, &len, block, 127, nullptr, 0, &sha256));
   EXPECT_EQ(ZEL_ERR_GENERIC, EME_OAEP_DECODE(out, &len, block, 128, 1024, none, &sha256, nullptr));
+  RsaKey made;
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_GenKey(&made.pri, &made.pub, 512));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_VP1(&r, &in, &long_e.pub));
   g_no_memory = false;
+  EXPECT_EQ(0U, made.bits());
   EXPECT_TRUE(len == 77 && r.words[0] == 5 && out[0] == 0);
   std::fclose(stream);
+  // These tell the length first.
+  g_no_memory = true;
+  EXPECT_EQ(ZEL_ERR_GENERIC,
+            RSAES_OAEP_ENCRYPT21(out, &len, block, 9, &long_e.pub, none, &sha256, nullptr));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA20_ES_E(out, &len, block, 9, &long_e.pub, none, &sha256, nullptr));
+  g_no_memory = false;
+  EXPECT_EQ(0, out[0] | out[127]);
 }
 
 }  // namespace

@@ -77,6 +77,12 @@ TEST(RsaKeys, DrawInOneOrder) {
     static_cast<void>(rand());
   ASSERT_EQ(ZEL_OK, RSA_GenKeyE(&key.pri, &key.pub, kBits, 65537));
   EXPECT_EQ(draws, g_draws) << "no exponent is drawn where one is given";
+  begin_draws();
+  ASSERT_EQ(ZEL_OK, RSA_GenKeyE(&key.pri, &key.pub, kBits, 65537));
+  const std::size_t without_tests = g_draws;
+  begin_draws();
+  ASSERT_EQ(ZEL_OK, RSA_GenKeyEx(&key.pri, &key.pub, kBits, 65537));
+  EXPECT_EQ(without_tests + 1 + 28 / 4 * 3, g_draws) << "and the salt of the pairwise test";
 }
 
 TEST(RsaKeys, OfExactSizes) {
@@ -132,6 +138,9 @@ TEST(RsaKeyChecks, KnowEveryWayOfBeingWrong) {
   key.pri.e = key.pub.e = record(mpz_class(2));
   EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub));
   key = good;
+  key.pri.n = key.pub.n = record(value_of(good.pri.n) + 2);
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub));
+  key = good;
   std::swap(key.pri.p, key.pri.q);
   std::swap(key.pri.dP, key.pri.dQ);
   EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub)) << "1/q is of the other prime";
@@ -141,6 +150,21 @@ TEST(RsaKeyChecks, KnowEveryWayOfBeingWrong) {
               RSA_CheckKey(&published.pri, &published.pub))
         << v.place << " " << v.word("note");
   }
+}
+
+// Keys that follow from their factors in all but one thing: a factor is composite, or a record does
+// not hold the product.
+TEST(RsaKeyChecks, WantPrimesThatFit) {
+  const RsaKey &good = key_of_bits(1025);
+  const mpz_class p = value_of(good.pri.p), q = value_of(good.pri.q), composite = p * q;
+  for (const RsaKey &key : {key_of(composite, two_to(521) - 1), key_of(two_to(521) - 1, composite)})
+    EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub));
+  mpz_class last = two_to(942) * 3;
+  mpz_nextprime(last.get_mpz_t(), last.get_mpz_t());
+  const mpz_class long_p = two_to(3217) - 1;
+  ASSERT_EQ(4161U, mpz_sizeinbase(mpz_class(long_p * last).get_mpz_t(), 2));
+  const RsaKey key = key_of(long_p, last);
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_CheckKey(&key.pri, &key.pub));
 }
 
 // A failure is final, so each of these is a test, and a process, of its own.

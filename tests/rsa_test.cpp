@@ -218,6 +218,24 @@ TEST(RsaSignatures, PssPaddingIsNotLookedAt) {
     EXPECT_EQ(i < salt_at ? ZEL_OK : ZEL_ERR_PSS_VERIFY, with_byte(i)) << "byte " << i;
 }
 
+// A bit above the encoded message: ignored in the top byte, refused where it takes a byte more.
+TEST(RsaSignatures, PssTopBitsAreNotLookedAt) {
+  for (const auto &[bits, status] : {std::pair{1027U, ZEL_OK}, {1025U, ZEL_ERR_PSS_VERIFY}}) {
+    const RsaKey &key = key_of_bits(bits);
+    RSA_SIGNATURE s{};
+    MINT m;
+    mpz_class altered;
+    do {
+      ASSERT_EQ(ZEL_OK, sign(s, key, rsa21, sha256));
+      ASSERT_EQ(ZEL_OK, RSA_VP1(&m, &s.s, &key.pub));
+      altered = value_of(m) + two_to(bits - 1);
+    } while (altered >= value_of(key.pub.n));
+    m = record(altered);
+    ASSERT_EQ(ZEL_OK, RSA_SP1(&s.s, &m, &key.pri));
+    EXPECT_EQ(status, verify(s, key, rsa21, sha256)) << bits;
+  }
+}
+
 // Salts keep their width: a generator of zeros gives zero bytes, not an empty salt.
 TEST(RsaSignatures, DrawTheirSaltsInOneOrder) {
   for (const auto &[bits, hash, draws] : {std::tuple{1024U, &sha512, 62 / 4 * 3 + 2},
@@ -252,8 +270,11 @@ TEST(RsaSignatures, AreRefusedInOrder) {
     EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_S_Hash(&s.s, digest, len, &key.pri, nullptr, &sha256));
     EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_V_Hash(&s.s, digest, len, &key.pub, nullptr, &sha256));
   }
-  // The length of a hash value is the caller's in PSS.
+  // The length of a hash value is the caller's, in PSS without a limit.
   RsaKey large = key_of_bits(1024);
+  EXPECT_EQ(ZEL_OK, RSA_SSA_S_Hash(&s.s, digest, 20, &large.pri, nullptr, &sha256));
+  EXPECT_EQ(ZEL_OK, RSA_SSA_V_Hash(&s.s, digest, 20, &large.pub, nullptr, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_SSA_V_Hash(&s.s, digest, 32, &large.pub, nullptr, &sha256));
   EXPECT_EQ(ZEL_OK, RSA_SSA_PSS_S_Hash(&s.s, digest, 65, &large.pri, nullptr, &sha256));
   EXPECT_EQ(ZEL_OK, RSA_SSA_PSS_V_Hash(&s.s, digest, 65, &large.pub, nullptr, &sha256));
   EXPECT_EQ(ZEL_ERR_PSS_VERIFY, RSA_SSA_PSS_V_Hash(&s.s, digest, 64, &large.pub, nullptr, &sha256));
@@ -374,6 +395,25 @@ TEST(RsaPrimitives, JoinPrimesOfUnequalSizes) {
   }
 }
 
+// Products at the edge of a record, where with exponents of one nothing but the joining is at work;
+// d is not used.
+TEST(RsaPrimitives, JoinWhatARecordHolds) {
+  for (const auto &[p, q, fits] : {std::tuple{mpz_class(5), mpz_class(two_to(4157) + 1), true},
+                                   {mpz_class(two_to(4157) + 1), mpz_class(5), true},
+                                   {mpz_class(5), mpz_class(two_to(4158) - 1), false},
+                                   {mpz_class(two_to(4158) - 1), mpz_class(5), false}}) {
+    RsaKey key = key_of(p, q);
+    key.pri.d = MINT{0xFFFFFFFF, {2, 3}};
+    key.pri.dP = key.pri.dQ = MINT{1, {1}};
+    for (const mpz_class &m : {mpz_class(0), mpz_class(p * q % two_to(4160) - 1)}) {
+      const MINT in = record(m);
+      MINT out{1, {77}};
+      EXPECT_EQ(fits ? ZEL_OK : ZEL_ERR_GENERIC, RSA_SP1(&out, &in, &key.pri));
+      EXPECT_EQ(fits ? m : mpz_class(77), value_of(out));
+    }
+  }
+}
+
 TEST(RsaPrimitives, WriteWholeWordsAndMasks) {
   const MINT a{3, {0x01020304, 0, 0x05}};
   std::uint8_t out[520];
@@ -392,6 +432,15 @@ TEST(RsaPrimitives, WriteWholeWordsAndMasks) {
       to_hex(Bytes(out, out + 50)));
   EXPECT_EQ(ZEL_OK, RSA_MGF1(out, 5, seed.data(), 3, &popsha1));
   EXPECT_EQ("bc0c655e01", to_hex(Bytes(out, out + 5)));
+  // Nothing is no address: the mask of no seed is that of the empty one.
+  std::uint8_t empty[5];
+  EXPECT_EQ(ZEL_OK, RSA_MGF1(empty, 5, seed.data(), 0, &sha256));
+  EXPECT_EQ(ZEL_OK, RSA20_MGF1(out, 5, nullptr, 0, &sha256));
+  EXPECT_EQ(Bytes(empty, empty + 5), Bytes(out, out + 5));
+  EXPECT_EQ(ZEL_OK, RSA_MGF1(nullptr, 0, nullptr, 0, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_MGF1(out, 5, nullptr, 1, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_MGF1(nullptr, 1, out, 5, &sha256));
+  EXPECT_EQ(ZEL_ERR_GENERIC, RSA_MGF1(out, 5, out, 5, nullptr));
 }
 
 }  // namespace

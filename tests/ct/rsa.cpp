@@ -1,4 +1,6 @@
 // The RSA private operation.
+#include <cstring>
+
 #include "pk/oaep.hpp"
 #include "pk/rsa_primitive.hpp"
 #include "tests/ct/numbers.hpp"
@@ -47,6 +49,26 @@ const Probe kPrivateOperation{"RSA_SP1", [] {
                                 private_operation(8, 30);
                                 private_operation(65, 65);
                               }};
+
+constexpr const HASH_ALGORITHM *kNoHash = nullptr;
+
+/// A message, encrypted behind either padding; what is drawn is public.
+const Probe kEncryption{
+    "RSA encryption", [] {
+      const RSA_PUBLIC_KEY key{number(32, 3), {1, {65537}}};
+      std::uint8_t message[20] = {1, 2, 3}, want[128], out[128];
+      std::uint32_t len = 0;
+      RSAES_OAEP_ENCRYPT21(want, &len, message, 20, &key, nullptr, &sha256, nullptr);
+      secret(message);
+      const bool done =
+          RSAES_OAEP_ENCRYPT21(out, &len, message, 20, &key, nullptr, &sha256, nullptr) == ZEL_OK;
+      open(out);
+      require(done && std::memcmp(out, want, 128) == 0, "OAEP");
+      for (const HASH_ALGORITHM *hash : {&sha256, kNoHash}) {
+        require(RSA20_ES_E(out, &len, message, 20, &key, nullptr, hash, nullptr) == ZEL_OK,
+                "RSA20");
+      }
+    }};
 
 const Probe kDecoders{"the search for messages in decrypted blocks", [] {
                         std::uint8_t block[64] = {2, 7, 7, 7, 7, 7, 7, 7, 7, 7};

@@ -49,7 +49,7 @@ struct Arena {
   PKCRYPT_KEY *pri = PKCRYPT_NewPriKey(&kScheme), *pub = PKCRYPT_NewPubKey(&kScheme),
               *param = PKCRYPT_NewParam(&kScheme);
   PKCRYPT_SIGNATURE signature{};
-  std::uint8_t in[4]{}, out[4]{};
+  std::uint8_t in[4]{}, out[4]{9, 9, 9, 9};
   std::uint32_t len = 0;
   Arena() { std::memset(pri->buf, 7, 8); }
 

@@ -35,6 +35,7 @@ struct RsaKey {
   PKCRYPT_KEY pub_of(const PKCRYPT_ALGORITHM &scheme) { return {&scheme, &pub}; }
 };
 
+/// The key of two primes; what passes a record is lost from its modulus.
 inline RsaKey key_of(const mpz_class &p, const mpz_class &q, const mpz_class &e = 65537) {
   RsaKey key;
   const mpz_class p1 = p - 1, q1 = q - 1;
@@ -42,8 +43,9 @@ inline RsaKey key_of(const mpz_class &p, const mpz_class &q, const mpz_class &e 
   mpz_lcm(lambda.get_mpz_t(), p1.get_mpz_t(), q1.get_mpz_t());
   mpz_invert(d.get_mpz_t(), e.get_mpz_t(), lambda.get_mpz_t());
   mpz_invert(inverse.get_mpz_t(), q.get_mpz_t(), p.get_mpz_t());
-  key.pri = {record(p * q), record(e),      record(d),      record(p),
-             record(q),     record(d % p1), record(d % q1), record(inverse)};
+  const mpz_class n = p * q % (mpz_class(1) << ZEL_MINT_BITS);
+  key.pri = {record(n), record(e),      record(d),      record(p),
+             record(q), record(d % p1), record(d % q1), record(inverse)};
   key.pub = {key.pri.n, key.pri.e};
   return key;
 }
