@@ -430,7 +430,7 @@ TEST(Kcdsa, ExtendedKeysFollowFromTheirRecord) {
   }
 }
 
-TEST(Kcdsa, ServesThroughTheFrontEndInTheVerifiedService) {
+TEST(Kcdsa, ServesThroughTheFrontEndWithEveryHash) {
   Case c = some_case();
   KZEL_CC_SetState(ZEL_STATE_VERIFIED);
   for (const auto *scheme : {&p_kcdsa1, &popkcdsa}) {
@@ -455,6 +455,13 @@ TEST(Kcdsa, ServesThroughTheFrontEndInTheVerifiedService) {
                 inert ? ZEL_ERR_GENERIC : ZEL_OK);
       EXPECT_EQ(PKCRYPT_SignHash(&signature.head, c.msg.data(), 20, pri, param, &sha256, extra),
                 scheme == &p_kcdsa1 ? ZEL_OK : ZEL_ERR_GENERIC);
+      if (!inert) continue;
+      KZEL_CC_SetState(ZEL_STATE_NOT_VERIFIED);  // here they compute
+      EXPECT_EQ(PKCRYPT_Sign(&signature.head, c.msg.data(), 5, pri, param, hash, extra), ZEL_OK);
+      EXPECT_EQ(PKCRYPT_Verify(&signature.head, c.msg.data(), 5, pub, param, hash, extra), ZEL_OK);
+      EXPECT_EQ(PKCRYPT_Verify(&signature.head, c.msg.data(), 4, pub, param, hash, extra),
+                ZEL_ERR_GENERIC);
+      KZEL_CC_SetState(ZEL_STATE_VERIFIED);
     }
     PKCRYPT_DelParam(param);
     PKCRYPT_DelPriKey(pri);
