@@ -163,6 +163,12 @@ class Container(ContainerTest):
         self.zel("decrypt", "-r", "you.pub", "f.zel", "-o", "-", exit=USAGE)
         self.zel("decrypt", "-k", "key", "f.zel", "-o", "-", exit=USAGE)
         self.zel("encrypt", "-r", "small.pub", "-f", "f", exit=MALFORMED)
+        self.other("openssl", "genpkey", "-algorithm", "RSA", "-pkeyopt", "rsa_keygen_bits:2048", "-pkeyopt",
+                   "rsa_keygen_pubexp:3", "-out", "three.pem")
+        self.assertIn(b"65537", self.zel("encrypt", "-r", "three.pem", "-f", "f", exit=MALFORMED).stderr)
+        self.assertIn(b"pkcs1", self.zel("sign", "-k", "three.pem", "f", exit=USAGE).stderr)
+        self.zel("sign", "-k", "me.pem", "--passphrase-fd", "0", exit=USAGE, stdin=b"pass\ndata")
+        self.zel("key", "check", "-", "--passphrase-fd", "0", exit=USAGE, stdin=b"pass\nkey")
 
     def test_every_changed_byte_is_found(self):
         container = self.seal(b"hello")

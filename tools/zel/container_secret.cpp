@@ -80,8 +80,8 @@ std::vector<Option> secret_options(SecretOptions &options, const std::string &rs
 void check_standard_input(const Session &session, const SecretOptions &options,
                           const std::string &file) {
   const PassphraseSource passphrase = passphrase_source(session);
-  const bool is_secret = options.key_file == "-" || options.rsa_key == "-" ||
-                         passphrase.descriptor == 0U || passphrase.file == "-";
+  const bool is_secret =
+      options.key_file == "-" || options.rsa_key == "-" || passphrase.is_standard_input();
   if (is_secret && file == "-") {
     throw Failure(Exit::kUsage, "-", "the secret and the data cannot both be standard input",
                   "name the data FILE, or give the secret in a file");

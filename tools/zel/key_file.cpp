@@ -83,6 +83,10 @@ Secret encoded(const Key &key, const KeyEncoding &encoding) {
 }  // namespace
 
 LoadedKey load_key(const Session &session, const std::string &path) {
+  if (path == "-" && passphrase_source(session).is_standard_input()) {
+    throw Failure(Exit::kUsage, path, "the key and its passphrase cannot both be standard input",
+                  "name the key file, or give the passphrase in a file");
+  }
   try {
     LoadedKey loaded = open_content(session, path, unwrap(read_file(path)));
     check_key(*loaded.key);

@@ -19,6 +19,7 @@ struct PassphraseSource {
   std::optional<std::string> file;
 
   bool is_given() const noexcept { return descriptor || file; }
+  bool is_standard_input() const noexcept { return descriptor == 0U || file == "-"; }
 };
 
 /// What --passphrase-fd and --passphrase-file say.

@@ -6,6 +6,7 @@
 #include "tools/zel/failure.hpp"
 #include "tools/zel/key_file.hpp"
 #include "tools/zel/key_objects.hpp"
+#include "tools/zel/pss.hpp"
 #include "zel_cc/errors.h"
 #include "zel_cc/rsa.h"
 
@@ -36,12 +37,19 @@ Bytes wrap_for_recipient(const Session &session, const std::string &path,
                          std::span<const std::uint8_t> secret) {
   const KeyPointer key = load_public_key(session, path);
   require_rsa(*key, path);
+  if (!has_pss_exponent(*key)) {
+    throw Failure(Exit::kMalformed, path,
+                  "its public exponent is below 65537, too small to encrypt to",
+                  "use a key with 65537");
+  }
   const KeyObjects objects(*key, rsa);
   Bytes recipient = key_id(*key);
   const std::size_t id_len = recipient.size();
   recipient.resize(id_len + modulus_len(*key));
   std::uint32_t len = 0;
-  // The library's seed for OAEP is zero: fine for a secret that is drawn anew each time.
+  // The library's seed for OAEP is zero: fine for a secret that is drawn anew each time, under an
+  // exponent that is not small. With e = 3 so much of the block is known that the rest can be
+  // found.
   const int code = PKCRYPT_Encrypt(recipient.data() + id_len, &len, secret.data(),
                                    static_cast<std::uint32_t>(secret.size()), objects.public_key(),
                                    nullptr, &sha256, nullptr);

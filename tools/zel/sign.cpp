@@ -1,6 +1,7 @@
 // zel sign: signatures of files, each in a file of its own.
 #include "tools/zel/json.hpp"
 #include "tools/zel/key_file.hpp"
+#include "tools/zel/pss.hpp"
 #include "tools/zel/signature_job.hpp"
 
 namespace zel::tool {
@@ -13,10 +14,19 @@ void check_digest_fits(const SignatureJob &job) {
                 "choose a shorter hash, or a key with a larger subgroup");
 }
 
+/// 'zel verify' takes PSS with no smaller exponent; nor is a signature made that it would refuse.
+void check_exponent(const SignatureJob &job, const std::string &path) {
+  const bool is_pss = job.key->type == KeyType::kRsa && job.method.padding == RsaPadding::kPss;
+  if (!is_pss || has_pss_exponent(*job.key)) return;
+  throw Failure(Exit::kUsage, path, "its public exponent is below 65537, too small for PSS",
+                "use --padding pkcs1, or another key");
+}
+
 void run(Session &session, const SignatureOptions &options) {
-  const std::string path = key_path(options);
+  const std::string path = key_path(session, options);
   const SignatureJob job(options, load_private_key(session, path));
   check_digest_fits(job);
+  check_exponent(job, path);
   job.hash.start();  // a hash that the module refuses does so before an output exists
   if (job.file != "-") session.set_default_output(job.file + ".sig");
   Output &output = session.open_output();

@@ -2,6 +2,7 @@
 
 #include "tools/zel/digest_job.hpp"
 #include "tools/zel/json.hpp"
+#include "tools/zel/passphrase.hpp"
 
 namespace zel::tool {
 namespace {
@@ -43,11 +44,15 @@ void add_signature_options(Command &command, SignatureOptions &options) {
                       {"pss", "pkcs1"}}};
 }
 
-std::string key_path(const SignatureOptions &options) {
+std::string key_path(const Session &session, const SignatureOptions &options) {
   if (!options.key) throw Failure(Exit::kUsage, "key", "none given", "name its file with -k");
   if (*options.key == "-" && options.data() == "-") {
     throw Failure(Exit::kUsage, "-", "the key and the data cannot both be standard input",
                   "name the data FILE, or the key file");
+  }
+  if (passphrase_source(session).is_standard_input() && options.data() == "-") {
+    throw Failure(Exit::kUsage, "-", "the passphrase and the data cannot both be standard input",
+                  "name the data FILE, or give the passphrase in a file");
   }
   return *options.key;
 }

@@ -25,7 +25,7 @@ struct SignatureOptions {
 void add_signature_options(Command &command, SignatureOptions &options);
 
 /// The key file that -k names; it cannot come from where the data come from.
-std::string key_path(const SignatureOptions &options);
+std::string key_path(const Session &session, const SignatureOptions &options);
 
 /// A key, with the hash and the padding that the options or the key choose.
 struct SignatureJob {

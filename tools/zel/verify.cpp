@@ -57,7 +57,7 @@ const char *problem_of(const SignatureJob &job) {
 }
 
 void run(Session &session, const VerifyOptions &options) {
-  const std::string path = key_path(options.signature);
+  const std::string path = key_path(session, options.signature);
   const std::string signature_file = signature_path(options);
   const SignatureJob job(options.signature, load_public_key(session, path));
   const Bytes signature = read_signature(signature_file);
