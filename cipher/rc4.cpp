@@ -1,64 +1,87 @@
 // RC4: key schedule and key stream. RFC 6229 has test vectors.
 #include "zel_cc/rc4.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
 #include "base/bytes.hpp"
+#include "base/wipe.hpp"
 #include "cipher/interleave.hpp"
 #include "core/gate.hpp"
 
 namespace zel {
 namespace {
 
-/// One step: j moves on by box[i], the two entries change places, and the entry at their sum is the
-/// byte of key stream. `at_i` is the address of entry i, `x` its value; both indices are bytes in
-/// whole registers. Written out because compilers mask each sum again, and because this order of
-/// the two stores is the one that processors forward to the loads behind them.
-inline std::uint64_t step(std::uint8_t *box, std::uint8_t *at_i, std::uint64_t x,
-                          std::uint64_t &j) noexcept {
-  std::uint64_t y;
-  __asm__ volatile(
-      "addb %b[x], %b[j]\n\t"
-      "movzbl (%[box],%[j]), %k[y]\n\t"
-      "movb %b[x], (%[box],%[j])\n\t"
-      "movb %b[y], %[entry]\n\t"
-      "addb %b[x], %b[y]"
-      : [y] "=&q"(y), [j] "+q"(j), [entry] "=m"(*at_i)
-      : [x] "q"(x), [box] "r"(box)
-      : "cc", "memory");
-  return box[y];
-}
+/// Below this a copy of the box costs more than it saves.
+constexpr std::size_t kWorthACopy = 512;
+constexpr std::size_t kGroup = sizeof(std::uint64_t);
 
 /// Writes the next bytes of key stream, exclusive or with `in` unless that is null.
+void byte_by_byte(RC4_STATE &state, std::uint8_t *out, const std::uint8_t *in,
+                  std::size_t len) noexcept {
+  std::uint8_t *const box = state.S;
+  auto i = static_cast<std::uint8_t>(state.i);
+  auto j = static_cast<std::uint8_t>(state.j);
+  for (std::size_t n = 0; n < len; ++n) {
+    const std::uint8_t x = box[++i];
+    j = static_cast<std::uint8_t>(j + x);
+    const std::uint8_t y = box[j];
+    box[i] = y;
+    box[j] = x;
+    const std::uint8_t stream = box[static_cast<std::uint8_t>(x + y)];
+    out[n] = static_cast<std::uint8_t>(stream ^ (in == nullptr ? 0 : in[n]));
+  }
+  state.i = i;
+  state.j = j;
+}
+
+/// The same for whole groups, on a copy of the box in words. The entry of the next step is loaded
+/// before the two stores of this one, which would otherwise hold it up; now and then the first of
+/// them was to that entry.
+void by_groups(RC4_STATE &state, std::uint8_t *out, const std::uint8_t *in,
+               std::size_t groups) noexcept {
+  Wiped<std::uint32_t[256]> copy;
+  std::uint32_t *const box = *copy;
+  std::copy_n(state.S, 256, box);
+  std::size_t i = (state.i + 1) & 0xff;
+  std::size_t j = state.j & 0xff;
+  std::uint32_t x = box[i];
+  for (; groups > 0; --groups, out += kGroup) {
+    std::uint64_t stream = 0;
+    bulk::each<kGroup>([&](auto k) {
+      const std::size_t next = (i + 1) & 0xff;
+      std::uint32_t next_x = box[next];
+      j = (j + x) & 0xff;
+      const std::uint32_t y = box[j];
+      box[j] = x;
+      box[i] = y;
+      if (next == j) [[unlikely]]
+        next_x = x;
+      stream |= std::uint64_t{box[(x + y) & 0xff]} << (8 * k);
+      x = next_x;
+      i = next;
+    });
+    if (in != nullptr) {
+      stream ^= load_le64(in);
+      in += kGroup;
+    }
+    store_le64(out, stream);
+  }
+  for (std::size_t n = 0; n < 256; ++n)
+    state.S[n] = static_cast<std::uint8_t>(box[n]);
+  state.i = static_cast<std::uint32_t>((i - 1) & 0xff);
+  state.j = static_cast<std::uint32_t>(j);
+}
+
 void generate(RC4_STATE &state, std::uint8_t *out, const std::uint8_t *in,
               std::size_t len) noexcept {
-  std::uint8_t *const box = state.S;
-  std::uint64_t i = state.i & 0xff;
-  std::uint64_t j = state.j & 0xff;
-  std::size_t n = 0;
-  while (n < len) {
-    std::uint8_t *const at = box + ((i + 1) & 0xff);
-    if ((i + 1) % 8 == 0 && len - n >= 8) {
-      std::uint64_t stream = 0;
-      std::uint64_t x = at[0];
-      bulk::each<8>([&](auto k) {
-        const std::uint64_t byte = step(box, at + k, x, j);
-        if constexpr (k < 7) x = at[k + 1];
-        stream |= byte << (8 * k);
-      });
-      store_le64(out + n, stream ^ (in == nullptr ? 0 : load_le64(in + n)));
-      i = (i + 8) & 0xff;
-      n += 8;
-    } else {
-      const std::uint64_t byte = step(box, at, *at, j);
-      out[n] = static_cast<std::uint8_t>(byte ^ (in == nullptr ? 0U : in[n]));
-      i = (i + 1) & 0xff;
-      ++n;
-    }
+  std::size_t done = 0;
+  if (len >= kWorthACopy) {
+    by_groups(state, out, in, len / kGroup);
+    done = len / kGroup * kGroup;
   }
-  state.i = static_cast<std::uint32_t>(i);
-  state.j = static_cast<std::uint32_t>(j);
+  byte_by_byte(state, out + done, in == nullptr ? nullptr : in + done, len - done);
 }
 
 }  // namespace
