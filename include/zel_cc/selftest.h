@@ -3,8 +3,8 @@
  * Self-tests that the library runs on its own output. Those for applications are in
  * zel_cc/known_answer.h.
  *
- * A self-test works in the self-test state (2) and returns to the state that it came from; a
- * failure leaves the module in its error state (-98).
+ * Where an entry does not say otherwise, a self-test works in the self-test state (2) and returns to
+ * the state that it came from; a failure leaves the module in its error state (-98).
  */
 #ifndef ZEL_CC_SELFTEST_H
 #define ZEL_CC_SELFTEST_H

@@ -17,7 +17,7 @@ struct Test {
   int32_t (*run)();
 };
 
-/// Those of the ordered run first, in its order.
+/// By groups; `zel selftest` runs each of them, and then the ordered run.
 constexpr Test kTests[] = {
     {"ciphers", "ARIA-128", SELFTEST_ARIA_128K},
     {"ciphers", "ARIA-192", SELFTEST_ARIA_192K},
