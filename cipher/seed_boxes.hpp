@@ -29,26 +29,24 @@ consteval gf256::Box after(const gf256::Box &inner, const gf256::Box &box) {
 
 using Bytes16 = std::array<std::uint8_t, 16>;
 
-/// Where byte `k` of word `c` stands when all have been substituted, with the row rotation of the
-/// AES instructions or without.
-constexpr std::size_t place(std::size_t c, std::size_t k, bool rotated) {
-  return 4 * (rotated ? (c + 4 - k) % 4 : c) + k;
-}
+/// Where byte `k` of word `c` stands when all have been substituted: the AES instructions rotate
+/// the rows.
+constexpr std::size_t place(std::size_t c, std::size_t k) { return 4 * ((c + 4 - k) % 4) + k; }
 
 /// Byte `k` of each word, in all places of the word.
-constexpr Bytes16 spread(std::size_t k, bool rotated) {
+constexpr Bytes16 spread(std::size_t k) {
   Bytes16 from{};
   for (std::size_t i = 0; i < 16; ++i)
-    from[i] = static_cast<std::uint8_t>(place(i / 4, k, rotated));
+    from[i] = static_cast<std::uint8_t>(place(i / 4, k));
   return from;
 }
 
 /// Bytes 0 and 2 of each word, which go through the first box, before bytes 1 and 3.
-constexpr Bytes16 by_box(bool rotated) {
+constexpr Bytes16 by_box() {
   Bytes16 from{};
   for (std::size_t c = 0; c < 4; ++c)
     for (std::size_t k = 0; k < 4; ++k)
-      from[8 * (k % 2) + 2 * c + k / 2] = static_cast<std::uint8_t>(place(c, k, rotated));
+      from[8 * (k % 2) + 2 * c + k / 2] = static_cast<std::uint8_t>(place(c, k));
   return from;
 }
 
@@ -60,17 +58,14 @@ constexpr Bytes16 mask_of(std::size_t k) {
   return mask;
 }
 
-template <bool kRotated>
 struct Places {
   alignas(16) Bytes16 spread[4];
   alignas(16) Bytes16 masks[4];
   alignas(16) Bytes16 by_box;
 };
-template <bool kRotated>
-inline constexpr Places<kRotated> kPlaces = {
-    {spread(0, kRotated), spread(1, kRotated), spread(2, kRotated), spread(3, kRotated)},
-    {mask_of(0), mask_of(1), mask_of(2), mask_of(3)},
-    by_box(kRotated)};
+inline constexpr Places kPlaces = {{spread(0), spread(1), spread(2), spread(3)},
+                                   {mask_of(0), mask_of(1), mask_of(2), mask_of(3)},
+                                   by_box()};
 
 /// Neighbours change places.
 alignas(16) inline constexpr Bytes16 kSwapPairs = {1, 0, 3,  2,  5,  4,  7,  6,

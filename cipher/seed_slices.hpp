@@ -2,7 +2,6 @@
 // blocks, where the additions of the cipher are those of the processor. RFC 4269.
 //
 // The including file defines ZEL_KERNEL_ISA, as wide_steps.hpp asks. `Boxes` computes S-boxes:
-//   kRotated            whether common() leaves the rows of each four words rotated, as AES does
 //   common(x)           the part that both boxes have in common
 //   first(x), second(x) what makes the one or the other of it
 #pragma once
@@ -32,14 +31,14 @@ template <class Lanes, class Boxes, std::size_t kRegisters>
 class SeedSlices {
   using Vector = typename Lanes::Vector;
   using Words = Vector[kRegisters];
-  static constexpr const auto &kPlaces = seed_boxes::kPlaces<Boxes::kRotated>;
+  static constexpr const auto &kPlaces = seed_boxes::kPlaces;
 
   ZEL_KERNEL static Vector table(const seed_boxes::Bytes16 &bytes) noexcept {
     return Lanes::key(bytes.data());
   }
 
   ZEL_KERNEL static Vector share(Vector x, std::size_t byte,
-                                 const seed_boxes::Places<Boxes::kRotated> &places) noexcept {
+                                 const seed_boxes::Places &places) noexcept {
     return Lanes::bit_and(Lanes::lookup(x, table(places.spread[byte])), table(places.masks[byte]));
   }
 
@@ -186,7 +185,6 @@ class SeedSlices {
 /// The boxes through the AES instructions.
 template <class Lanes>
 struct SeedAesBoxes {
-  static constexpr bool kRotated = true;
   static constexpr NibbleMap kBefore = nibble_map(seed_boxes::into_aes_field());
   static constexpr gf256::Box kBox1 = seed_boxes::after(gf256::aes_box(), kSeedS1);
   static constexpr gf256::Box kBox2 = seed_boxes::after(gf256::aes_box(), kSeedS2);
