@@ -59,8 +59,7 @@ std::uint32_t ask() noexcept {
   add(all(extended.ebx, kBmi1Bmi2), Feature::kBmi2);
   add(all(extended.ebx, 1U << 19), Feature::kAdx);
   add(sse && all(extended.ebx, 1U << 29), Feature::kSha);
-  const bool vaes = aesni && avx2 && all(extended.ecx, kVaesVpclmul);
-  add(vaes, Feature::kVaes);
+  add(aesni && avx2 && all(extended.ecx, kVaesVpclmul), Feature::kVaes);
   g_features.store(found, std::memory_order_relaxed);
   return found;
 }

@@ -1,7 +1,6 @@
 // zel sign: signatures of files, each in a file of its own.
 #include "tools/zel/json.hpp"
 #include "tools/zel/key_file.hpp"
-#include "tools/zel/pss.hpp"
 #include "tools/zel/signature_job.hpp"
 
 namespace zel::tool {
@@ -16,8 +15,7 @@ void check_digest_fits(const SignatureJob &job) {
 
 /// 'zel verify' takes PSS with no smaller exponent; nor is a signature made that it would refuse.
 void check_exponent(const SignatureJob &job, const std::string &path) {
-  const bool is_pss = job.key->type == KeyType::kRsa && job.method.padding == RsaPadding::kPss;
-  if (!is_pss || has_pss_exponent(*job.key)) return;
+  if (!job.is_small_exponent_pss()) return;
   throw Failure(Exit::kUsage, path, "its public exponent is below 65537, too small for PSS",
                 "use --padding pkcs1, or another key");
 }

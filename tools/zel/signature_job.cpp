@@ -3,6 +3,7 @@
 #include "tools/zel/digest_job.hpp"
 #include "tools/zel/json.hpp"
 #include "tools/zel/passphrase.hpp"
+#include "tools/zel/pss.hpp"
 
 namespace zel::tool {
 namespace {
@@ -67,6 +68,11 @@ SignatureJob::SignatureJob(const SignatureOptions &options, KeyPointer key_given
     throw Failure(Exit::kUsage, hash.name, "signatures of version 1.5 have no form for it here",
                   "choose another hash, or --padding pss");
   }
+}
+
+bool SignatureJob::is_small_exponent_pss() const {
+  return key->type == KeyType::kRsa && method.padding == RsaPadding::kPss &&
+         !has_pss_exponent(*key);
 }
 
 Bytes SignatureJob::digest(Session &session) const {

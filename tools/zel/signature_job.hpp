@@ -34,6 +34,8 @@ struct SignatureJob {
   /// The digest of the data as the signature takes it, with a progress display.
   Bytes digest(Session &session) const;
   void add_result(Session &session) const;
+  /// PSS under an exponent that is too small for it.
+  bool is_small_exponent_pss() const;
 
   KeyPointer key;
   std::string file;

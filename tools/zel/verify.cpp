@@ -4,7 +4,6 @@
 #include "tools/zel/der.hpp"
 #include "tools/zel/json.hpp"
 #include "tools/zel/key_file.hpp"
-#include "tools/zel/pss.hpp"
 #include "tools/zel/signature_job.hpp"
 
 namespace zel::tool {
@@ -49,8 +48,7 @@ void shorten(Bytes &digest, std::uint32_t order_bits) {
 }
 
 const char *problem_of(const SignatureJob &job) {
-  if (job.key->type == KeyType::kRsa && job.method.padding == RsaPadding::kPss &&
-      !has_pss_exponent(*job.key)) {
+  if (job.is_small_exponent_pss()) {
     return "a public exponent below 65537 is not safe for PSS";
   }
   return "the signature does not verify: changed, or another key, hash or padding";
